@@ -1,0 +1,6 @@
+# The warnings of the project's own code. They live on a target of their own, so that they never
+# reach those who use the library.
+add_library(adexp_warnings INTERFACE)
+target_compile_options(adexp_warnings INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+    $<$<BOOL:${ADEXP_WERROR}>:-Werror>)

@@ -1,0 +1,289 @@
+#include "adexpdoc.h"
+
+#include "diagnosticline.h"
+#include "msgrule.h"
+
+#include <QObject>
+
+#include <algorithm>
+
+namespace
+{
+
+const char* const NullWord = "dw == 0";
+const char* const GetNextFieldSignature = "QString AdexpDoc::getNextField(int, int*)";
+const char* const SetIteratorSignature = "int AdexpDoc::setIteratorToNextField(int, int)";
+
+bool isSeparator(QChar c)
+{
+    // Few characters pass the first comparison.
+    return c <= u' ' && (c == u' ' || c == u'\n' || c == u'\t');
+}
+
+} // namespace
+
+AdexpDoc::AdexpDoc(const QString& text)
+    // Twenty bytes for each character is what the words and fields of most messages take.
+    : m_arena(std::min<size_t>(1024 + static_cast<size_t>(text.size()) * 20, 1 << 20))
+{
+    msgParam.text = text;
+    msgParam.text.remove(u'\r');
+    wordListSplit();
+    lastFieldWordListIt = currWordListIt = wordList.constBegin();
+}
+
+void AdexpDoc::wordListSplit()
+{
+    const QChar* const begin = msgParam.text.constData();
+    const QChar* const end = begin + msgParam.text.size();
+    m_words.reserve(static_cast<size_t>(msgParam.text.size() / 6)); // about as many as there will be
+    for (const QChar* in = begin; in != end;) {
+        const QChar* const wordBegin = in;
+        while (in != end && !isSeparator(*in))
+            ++in;
+        if (in != wordBegin)
+            m_words.push_back({QStringView(wordBegin, in), static_cast<int>(wordBegin - begin)});
+        while (in != end && isSeparator(*in))
+            ++in;
+    }
+    wordList.resize(static_cast<int>(m_words.size()));
+    std::transform(m_words.begin(), m_words.end(), wordList.begin(),
+                   [](DocWord& word) { return &word; });
+}
+
+// Rule and header
+
+MsgRule* AdexpDoc::search_rule(const RuleList* rules, QStringView title)
+{
+    return rules ? rules->search(title) : nullptr;
+}
+
+void AdexpDoc::setRootField(const RuleList* rules)
+{
+    rootField = nullptr;
+    currWordListIt = wordList.constBegin();
+
+    // Placeholders for the values of a message's envelope, which the library never sees. They are
+    // the same in every document, and this is meant.
+    msgParam.rating = QStringLiteral(u"ГГ");
+    msgParam.to = QStringLiteral(u"БУДУТ_АДРЕСА_КОМУ");
+    msgParam.datatime = QStringLiteral(u"БУДЕТ_ДАТА_ВРЕМЯ");
+    msgParam.from = QStringLiteral(u"БУДЕТ_АДРЕС_ОТПРАВИТЕЛЯ");
+
+    const int textEnd = static_cast<int>(msgParam.text.size());
+    int pos = 0;
+    QStringView field = getNextField(textEnd, &pos);
+    while (!field.isEmpty() && field != u"-TITLE") {
+        addWarning(QObject::tr("begin message still not found, field ") + field.toString() +
+                       QObject::tr(" ignored"),
+                   {});
+        field = getNextField(textEnd, &pos);
+    }
+    if (field.isEmpty()) {
+        addError(QObject::tr("begin message (-TITLE) not found"), {});
+        return;
+    }
+    const QStringView title = getNextWord(textEnd, nullptr);
+    rootField = createField(this, title, search_rule(rules, title));
+    msgParam.title = title.toString();
+    rootField->fieldBegin = pos;
+    rootField->fieldEnd = textEnd;
+}
+
+void AdexpDoc::parse()
+{
+    if (rootField)
+        rootField->parse();
+}
+
+QByteArray AdexpDoc::toXMLString()
+{
+    if (!rootField || !rootField->fieldTerm || rootField->fieldTerm->type() != TermTypeMsgRule)
+        return QByteArray();
+    return static_cast<const MsgRule*>(rootField->fieldTerm)->toXMLString(this);
+}
+
+// Cursor
+
+// The word at the cursor, which is not at the end. Null, after a report, for a broken list.
+const DocWord* AdexpDoc::currentWord(const char* signature) const
+{
+    const DocWord* const dw = *currWordListIt;
+    if (!dw)
+        DiagnosticLine::internalError(signature, NullWord);
+    return dw;
+}
+
+QStringView AdexpDoc::getNextWord(int limit, int* beginPoint)
+{
+    if (atEnd())
+        return {};
+    const DocWord* const dw = currentWord("QString AdexpDoc::getNextWord(int, int*)");
+    if (!dw || dw->beginPoint > limit)
+        return {};
+    ++currWordListIt;
+    if (beginPoint)
+        *beginPoint = dw->beginPoint;
+    return dw->text;
+}
+
+void AdexpDoc::undoGetNextWord()
+{
+    if (currWordListIt == wordList.constBegin()) {
+        DiagnosticLine::internalError("void AdexpDoc::undoGetNextWord()",
+                                      "currWordListIt == wordList.constBegin()");
+        return;
+    }
+    --currWordListIt;
+}
+
+QStringView AdexpDoc::getNextField(int limit, int* beginPoint)
+{
+    while (!atEnd()) {
+        const DocWord* const dw = currentWord(GetNextFieldSignature);
+        if (!dw || dw->beginPoint > limit)
+            return {};
+        lastFieldWordListIt = currWordListIt;
+        ++currWordListIt;
+        if (!dw->isField()) {
+            addWarning(QObject::tr("ignore word"), dw->text);
+            continue;
+        }
+        if (dw->text.size() > 1) {
+            if (beginPoint)
+                *beginPoint = dw->beginPoint;
+            return dw->text;
+        }
+        // A lone hyphen: its keyword is the next word.
+        if (atEnd())
+            return {};
+        const DocWord* const keyword = currentWord(GetNextFieldSignature);
+        if (!keyword || keyword->beginPoint > limit) {
+            currWordListIt = lastFieldWordListIt;
+            return {};
+        }
+        if (keyword->isField()) {
+            reportLoneHyphen();
+            continue;
+        }
+        ++currWordListIt;
+        if (beginPoint)
+            *beginPoint = keyword->beginPoint;
+        return m_joinedWords.emplace_front(u'-' + keyword->text.toString());
+    }
+    return {};
+}
+
+int AdexpDoc::setIteratorToNextField(int startPoint, int endPoint)
+{
+    for (; !atEnd(); ++currWordListIt) {
+        const DocWord* const dw = currentWord(SetIteratorSignature);
+        if (!dw)
+            break;
+        if (dw->isField() && dw->beginPoint >= startPoint)
+            return dw->beginPoint;
+        if (endPoint > 0 && endPoint < dw->endPoint())
+            return endPoint;
+    }
+    const int textEnd = static_cast<int>(msgParam.text.size());
+    return endPoint > 0 && endPoint < textEnd ? endPoint : textEnd;
+}
+
+QStringView AdexpDoc::getTextFromCurrentToPoint(int startPoint, int endPoint)
+{
+    if (atEnd())
+        return {};
+    const DocWord* const dw =
+        currentWord("QString AdexpDoc::getTextFromCurrentToPoint(int, int)");
+    if (!dw)
+        return {};
+    const int from = dw->beginPoint;
+    const int to = setIteratorToNextField(startPoint, endPoint);
+    if (to <= from)
+        return {};
+    QStringView text = QStringView(msgParam.text).mid(from, to - from);
+    while (!text.isEmpty() && text.back().isSpace())
+        text.chop(1);
+    while (!text.isEmpty() && text.front().isSpace())
+        text = text.mid(1);
+    return text;
+}
+
+QStringView AdexpDoc::getTextFromCurrentToField(int endPoint)
+{
+    return getTextFromCurrentToPoint(0, endPoint);
+}
+
+void AdexpDoc::ignoreTextFromCurrentToPoint(int point)
+{
+    if (!atEnd() && currentWord("void AdexpDoc::ignoreTextFromCurrentToPoint(int)"))
+        setIteratorToNextField(point, point);
+}
+
+int AdexpDoc::getLastDWTextEndPoint() const
+{
+    if (currWordListIt == wordList.constBegin())
+        return -1;
+    const DocWord* const dw = *(currWordListIt - 1);
+    if (!dw) {
+        DiagnosticLine::internalError("int AdexpDoc::getLastDWTextEndPoint() const", NullWord);
+        return -1;
+    }
+    return dw->endPoint();
+}
+
+int AdexpDoc::searchEndBlock(QStringView blockName, int limit, int* endWordPoint)
+{
+    if (!m_endBlocks)
+        m_endBlocks.emplace(&wordList, &m_arena);
+    const auto cursor = static_cast<int>(currWordListIt - wordList.constBegin());
+    const EndBlockIndex::Result found = m_endBlocks->search(cursor, blockName, limit);
+    for (int i = 0; i < found.loneHyphens; ++i)
+        reportLoneHyphen();
+    if (found.nameWord == -1) {
+        if (cursor <= m_endBlocks->nullWord()) {
+            // What the two operations that read on to the null word say.
+            DiagnosticLine::internalError(SetIteratorSignature, NullWord);
+            DiagnosticLine::internalError(GetNextFieldSignature, NullWord);
+        }
+        return -1;
+    }
+    if (endWordPoint)
+        *endWordPoint = wordList.at(found.endWord)->beginPoint;
+    return wordList.at(found.nameWord)->endPoint();
+}
+
+// Reports
+
+void AdexpDoc::addError(const QString& message, QStringView detail)
+{
+    report(message, detail);
+}
+
+void AdexpDoc::addWarning(const QString& message, QStringView detail)
+{
+    report(message, detail);
+}
+
+void AdexpDoc::reportLoneHyphen()
+{
+    addWarning(QObject::tr("field consists of a single character"), {});
+}
+
+void AdexpDoc::report(const QString& message, QStringView detail)
+{
+    isValid = false;
+    DiagnosticLine line(QtDebugMsg);
+    line.quoted(message);
+    if (!detail.isEmpty())
+        line.quoted(detail);
+    line.send();
+}
+
+const QChar* AdexpDoc::nullTerminated(QStringView data)
+{
+    m_nullTerminated.clear();
+    m_nullTerminated.append(data.data(), static_cast<int>(data.size()));
+    m_nullTerminated.append(QChar());
+    return m_nullTerminated.constData();
+}

@@ -1,0 +1,149 @@
+#ifndef ADEXPDOC_H
+#define ADEXPDOC_H
+
+#include "adexpfield.h"
+#include "endblockindex.h"
+#include "namedlist.h"
+
+#include <QByteArray>
+#include <QString>
+#include <QVarLengthArray>
+#include <QVector>
+
+#include <deque>
+#include <forward_list>
+#include <memory_resource>
+#include <optional>
+#include <vector>
+
+/// A word of the message: what stands between blanks, line feeds and tabs.
+struct DocWord
+{
+    QStringView text;   ///< the word in the message text, never empty
+    int beginPoint = 0; ///< position of its first character
+
+    /// Position behind the last character.
+    int endPoint() const { return beginPoint + static_cast<int>(text.size()); }
+    /// True for a word that begins a field.
+    bool isField() const { return text.front() == u'-'; }
+};
+
+/// The header values of a message, and its text.
+struct MsgParam
+{
+    QString title;    ///< the word behind -TITLE
+    QString rating;   ///< the header values, written to the attributes of the same names
+    QString to;       ///<
+    QString datatime; ///<
+    QString from;     ///<
+    QString text;     ///< the message without carriage returns
+};
+
+/// One message under conversion: its text, its words, the cursor over them, and the tree of its
+/// fields.
+///
+/// All positions ("points") count UTF-16 units of the text without carriage returns, from 0. Words,
+/// field names and field data are views into that text; they and all fields live as long as the
+/// document.
+class AdexpDoc
+{
+public:
+    /// Splits @p text into words. At most 2^31 - 1 UTF-16 units.
+    explicit AdexpDoc(const QString& text);
+
+    AdexpDoc(const AdexpDoc&) = delete;
+    AdexpDoc& operator=(const AdexpDoc&) = delete;
+
+    /// Finds "-TITLE", chooses the rule among @p rules (may be null, not owned) by the word behind it
+    /// and makes the root field over the rest of the message. Without "-TITLE" there is no root.
+    /// Called again, it starts from the first word.
+    void setRootField(const RuleList* rules);
+
+    /// The first of @p rules (may be null) whose title equals @p title exactly; null if none does.
+    static MsgRule* search_rule(const RuleList* rules, QStringView title);
+
+    /// Parses the tree of fields below the root, if there is a root.
+    void parse();
+
+    /// The output document as UTF-8; empty if there is no root or no rule for the title.
+    QByteArray toXMLString();
+
+    /// @name Cursor
+    /// A word or field is delivered only if it begins at or before @p limit. Null means none was.
+    /// @{
+
+    /// The next word, whatever it is. @p beginPoint (may be null) receives its position.
+    QStringView getNextWord(int limit, int* beginPoint);
+
+    /// Steps back one word; reported if there is none.
+    void undoGetNextWord();
+
+    /// The next field word with its hyphen. Words before it are reported and passed over. A lone
+    /// hyphen is joined with the word that follows, at whose position @p beginPoint then lies.
+    QStringView getNextField(int limit, int* beginPoint);
+
+    /// Moves to the next field word at or behind @p startPoint, or to the word that crosses
+    /// @p endPoint (0 or less: no end). Returns the position where the data before it ends.
+    int setIteratorToNextField(int startPoint, int endPoint);
+
+    /// The trimmed text from the current word to where setIteratorToNextField() stops.
+    QStringView getTextFromCurrentToPoint(int startPoint, int endPoint);
+
+    /// The trimmed text from the current word to the next field word or @p endPoint.
+    QStringView getTextFromCurrentToField(int endPoint);
+
+    /// Moves to the next field word at or behind @p point, or to the word that crosses it.
+    void ignoreTextFromCurrentToPoint(int point);
+
+    /// Position behind the word before the cursor; -1 if nothing was read yet.
+    int getLastDWTextEndPoint() const;
+
+    /// Looks ahead for "-END" followed by @p blockName, without moving the cursor. Returns the
+    /// position behind the name, and in @p endWordPoint (may be null) that of the "-END" word; -1 if
+    /// it is not there. Blocks of the same name do not nest: the first "-END" counts. What is wrong
+    /// on the way is reported, here as well as when it is read.
+    int searchEndBlock(QStringView blockName, int limit, int* endWordPoint);
+
+    /// @}
+
+    /// Reports what is wrong with the message: @p message, and @p detail unless it is empty.
+    void addError(const QString& message, QStringView detail);
+    /// Does exactly what addError() does.
+    void addWarning(const QString& message, QStringView detail);
+
+    /// Makes a field that lives as long as the document.
+    template<typename... Args>
+    AdexpField* createField(Args&&... args)
+    {
+        return &m_fields.emplace_back(std::forward<Args>(args)...);
+    }
+
+    /// The memory of the fields and what they hold; released with the document.
+    std::pmr::memory_resource* arena() { return &m_arena; }
+
+    /// @p data copied and ended by a null character, for the terms. Valid until the next call.
+    const QChar* nullTerminated(QStringView data);
+
+    QVector<DocWord*> wordList;                            ///< the words in text order
+    QVector<DocWord*>::const_iterator lastFieldWordListIt; ///< the word last taken by getNextField
+    QVector<DocWord*>::const_iterator currWordListIt;      ///< the next word to be read
+    AdexpField* rootField = nullptr;                      ///< the root of the fields, or null
+    MsgParam msgParam;                                    ///< header values and text
+    bool isValid = true;                                  ///< nothing was reported so far
+
+private:
+    void wordListSplit();
+    bool atEnd() const { return currWordListIt == wordList.constEnd(); }
+    const DocWord* currentWord(const char* signature) const;
+    void reportLoneHyphen();
+    void report(const QString& message, QStringView detail);
+
+    std::pmr::monotonic_buffer_resource m_arena;   // one heap object for most of what follows
+    std::pmr::vector<DocWord> m_words{&m_arena};   // what wordList points to
+    std::optional<EndBlockIndex> m_endBlocks;      // made by the first searchEndBlock()
+    std::forward_list<QString> m_joinedWords;      // keywords put together from hyphen and word
+    QVarLengthArray<QChar, 128> m_nullTerminated;  // the copy of nullTerminated()
+    std::pmr::deque<AdexpField> m_fields{&m_arena}; // every field of the conversion
+};
+
+#endif

@@ -1,0 +1,109 @@
+#include "adexplib.h"
+
+#include "adexp.h"
+#include "diagnosticline.h"
+#include "mainclass.h"
+
+#include <QSettings>
+
+#include <climits>
+#include <cstring>
+
+MainClass* mc = nullptr;
+
+namespace
+{
+
+// What init_adexp returns.
+enum InitResult { Loaded = 0, SettingsUnreadable = 1, RulesUnreadable = 2 };
+
+const char* settingsErrorText(QSettings::Status status)
+{
+    switch (status) {
+    case QSettings::AccessError:
+        return "QSettings: an access error occurred, path to ini file:";
+    case QSettings::FormatError:
+        return "QSettings: a format error occurred, path to ini file:";
+    default:
+        return "QSettings: unknown error, path to ini file:";
+    }
+}
+
+InitResult load(const QString& path)
+{
+    delete mc;
+    mc = nullptr; // until the next line has its memory
+    mc = new MainClass(nullptr);
+    QSettings settings(path, QSettings::IniFormat);
+    const QSettings::Status status = settings.status();
+    if (status != QSettings::NoError) {
+        DiagnosticLine(QtDebugMsg).plain(settingsErrorText(status)).quoted(path).send();
+        return SettingsUnreadable;
+    }
+    return mc->readSettingsRules(&settings) ? Loaded : RulesUnreadable;
+}
+
+QString decode(const char* text, unsigned int length)
+{
+    // A length above INT_MAX, negative as a signed number, stands for text up to the first NUL.
+    if (length <= INT_MAX)
+        return QString::fromUtf8(text, static_cast<int>(length));
+    const size_t textLength = std::strlen(text);
+    if (textLength > INT_MAX) // positions in the text are 32-bit numbers
+        throw std::bad_alloc();
+    return QString::fromUtf8(text, static_cast<int>(textLength));
+}
+
+// The result for the caller: the bytes, a terminating NUL, made with new[]. Null if there are none.
+const char* copyForCaller(const QByteArray& xml, unsigned int* outLength)
+{
+    const auto size = static_cast<size_t>(xml.size());
+    if (size == 0)
+        return nullptr;
+    if (size > UINT_MAX) // outLength could not tell it
+        throw std::bad_alloc();
+    char* const result = new char[size + 1];
+    std::memcpy(result, xml.constData(), size);
+    result[size] = '\0';
+    if (outLength)
+        *outLength = static_cast<unsigned int>(size);
+    return result;
+}
+
+} // namespace
+
+// No exception leaves these functions: what Qt and the standard library throw is std::bad_alloc.
+
+int init_adexp(const char* iniPath, int length)
+try {
+    const bool useDefault = length < 1 || !iniPath;
+    return load(useDefault ? QStringLiteral("adexp.ini") : QString::fromUtf8(iniPath, length));
+} catch (...) {
+    return RulesUnreadable;
+}
+
+void clear_adexp(void)
+{
+    delete mc;
+    mc = nullptr;
+}
+
+const char* convert_from_adexp(const char* text, unsigned int length, unsigned int* outLength)
+try {
+    if (outLength)
+        *outLength = 0;
+    if (!text)
+        return nullptr;
+    if (!mc)
+        init_adexp(nullptr, 0); // whatever it could load is used
+    if (!mc)
+        return nullptr; // no memory
+    return copyForCaller(mc->charAdexpToCharXml(decode(text, length)), outLength);
+} catch (...) {
+    return nullptr;
+}
+
+void free_adexp(const char* document)
+{
+    delete[] document;
+}

@@ -1,0 +1,39 @@
+#ifndef CONFIGINFO_H
+#define CONFIGINFO_H
+
+#include <QString>
+
+class QDomElement;
+
+/// Where an item of the rule set was defined, and what it says.
+///
+/// The loaders fill one per XML record; every term built from the record keeps a copy, so that each
+/// report about the rule set can name the file, line and column to look at.
+class ConfigInfo
+{
+public:
+    QString xmlFile;      ///< path of the XML file as the settings file gives it
+    QString tagName;      ///< tag of the record's element
+    int lineNumber = 0;   ///< line of the record's element, from 1; 0 before a record was read
+    int columnNumber = 0; ///< column of the record's element, as QDomNode counts it
+    QString recordName;   ///< name (of a message rule: title) of the record, in upper case
+    QString ruleText;     ///< expression text of the record or of the sub-term, in upper case
+
+    /// Sets the file that the record stands in.
+    void setXMLFile(const QString& file);
+
+    /// Takes line, column and tag from @p element (not null, not kept). File, name and rule text
+    /// stay as they are.
+    void setXMLData(const QDomElement* element);
+
+    /// Copies all six values from @p other (not null).
+    void copyParam(const ConfigInfo* other);
+
+    /// The place alone: "file simple.xml line 12, column 5".
+    QString xmlErrorHeadShort() const;
+
+    /// Name and place, the beginning of a report: "element (FL) file simple.xml line 12, column 5: ".
+    QString xmlErrorHead() const;
+};
+
+#endif

@@ -1,0 +1,66 @@
+#ifndef ENDBLOCKINDEX_H
+#define ENDBLOCKINDEX_H
+
+#include <QStringView>
+#include <QVector>
+
+#include <memory_resource>
+#include <vector>
+
+struct DocWord;
+
+/// Finds the end of a block without reading the message again for each "-BEGIN".
+///
+/// Looking ahead reads field after field and takes the word behind each "-END" as its name, so where
+/// it passes depends on where it starts: in "-END -END A" the second word is a name for who starts at
+/// the first word, and an end of its own for who starts at the second. But that only matters inside a
+/// run of ends that are names as well; from the end of the run on, all ways are one. The index holds
+/// the ends on that one way by name, and search() walks through the run in which it starts.
+class EndBlockIndex
+{
+public:
+    /// An index over @p words (not owned), which must stay, up to the first null among them.
+    /// It takes its memory from @p arena, which must stay as well.
+    EndBlockIndex(const QVector<DocWord*>* words, std::pmr::memory_resource* arena);
+
+    /// The index of the first null among the words, where each look ahead stops; -1: there is none.
+    int nullWord() const { return m_nullWord; }
+
+    struct Result
+    {
+        int endWord = -1;    ///< index of the "-END" word (of the hyphen, if it stands alone)
+        int nameWord = -1;   ///< index of the name; -1: the end of the block is not there
+        int loneHyphens = 0; ///< hyphens without a keyword that were passed on the way
+    };
+
+    /// Looks from the word @p cursor (an index) on for the end of the block @p name, up to the
+    /// position @p limit.
+    Result search(int cursor, QStringView name, int limit) const;
+
+private:
+    enum class Kind : unsigned char { Field, End, LoneHyphen };
+
+    // A word that begins with a hyphen.
+    struct FieldWord
+    {
+        int word;         // its index
+        int runStart;     // first of the ends right before it of which each is the name of the last
+        unsigned char nameOffset; // of an end: from its index to that of its name
+        Kind kind;
+    };
+
+    Kind kindOf(int word, unsigned char* nameOffset) const;
+    bool takesFieldWord(size_t field) const;
+    bool isOnTheWay(size_t field) const;
+    const DocWord* word(int index) const { return m_words->at(index); }
+    QStringView nameOf(size_t field) const;
+    bool isLoneHyphenWithin(size_t field, int limit) const;
+
+    const QVector<DocWord*>* m_words;
+    std::pmr::vector<FieldWord> m_fields;
+    int m_nullWord = -1;
+    std::pmr::vector<size_t> m_ends;        // on the way, sorted by name; indexes into m_fields
+    std::pmr::vector<size_t> m_loneHyphens; // on the way; indexes into m_fields
+};
+
+#endif

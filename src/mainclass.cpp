@@ -1,0 +1,225 @@
+#include "mainclass.h"
+
+#include "adexpdoc.h"
+#include "definitionnesting.h"
+#include "diagnosticline.h"
+#include "msgrule.h"
+#include "termexpression.h"
+
+#include <QDomDocument>
+#include <QFile>
+#include <QSettings>
+
+#include <memory>
+
+namespace
+{
+
+// The reports begin with the full signature of the operation, as users' scripts know it.
+void report(const char* signature, const QString& text)
+{
+    DiagnosticLine(QtDebugMsg).plain(signature).quoted(text).send();
+}
+
+const char* const ReadTermsSignature =
+    "bool MainClass::readTermsXMLFile(const QString&, const QString&, bool)";
+const char* const ReadMsgRulesSignature = "bool MainClass::readMsgRulesXMLFile(const QString&)";
+
+bool isDisabled(const QDomElement& record)
+{
+    return record.attribute(QStringLiteral("active")) == QLatin1String("false");
+}
+
+void setItem(ConfigInfo* item, const QDomElement& record, const QString& nameAttribute,
+             const QString& textElement)
+{
+    item->setXMLData(&record);
+    item->recordName = record.attribute(nameAttribute).toUpper();
+    item->ruleText = record.firstChildElement(textElement).text().toUpper();
+}
+
+// False, after a report, if the definition nests so deep that checking it is not safe.
+bool isWithinNesting(const TermStd* term, DefinitionNesting* nesting)
+{
+    if (nesting->depthOf(term) <= TermExpression::MaxNesting)
+        return true;
+    term->configErrorMessage(TermExpression::nestedTooDeepText());
+    return false;
+}
+
+} // namespace
+
+MainClass::MainClass(QObject* parent) : QObject(parent) {}
+
+MainClass::~MainClass()
+{
+    qDeleteAll(msgRules);
+    qDeleteAll(termsList);
+}
+
+QString MainClass::getPathFromSettings(const QSettings* settings, const QString& key)
+{
+    return settings->value(key).toString();
+}
+
+bool MainClass::readSettingsRules(QSettings* settings)
+{
+    // Simple terms are checked before any field is there, so they cannot refer to fields. The fields
+    // of both files are checked together, so they can refer to each other.
+    settings->beginGroup(QStringLiteral("rules"));
+    const auto path = [settings](const char* key) {
+        return getPathFromSettings(settings, QLatin1String(key));
+    };
+    if (!readTermsXMLFile(path("simpleTermsFile"), QStringLiteral("simpleTerm"), false))
+        return false;
+    termsList_checkConfig();
+    if (!readTermsXMLFile(path("subFieldsFile"), QStringLiteral("SubField"), true))
+        return false;
+    if (!readTermsXMLFile(path("primaryFieldsFile"), QStringLiteral("PrimaryField"), true))
+        return false;
+    termsList_checkConfig();
+    return readMsgRulesXMLFile(path("msgRulesFile"));
+}
+
+bool MainClass::ruleDomDocumentsetContent(const QString& path, QDomDocument* document)
+{
+    static const char* const Signature =
+        "bool MainClass::ruleDomDocumentsetContent(const QString&, QDomDocument*)";
+    if (path.isEmpty()) {
+        report(Signature, tr("file path is empty"));
+        return false;
+    }
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        report(Signature,
+               tr("can not open file ") + path + tr(" for read: ") + file.errorString());
+        return false;
+    }
+    QString error;
+    int line = 0;
+    int column = 0;
+    if (!document->setContent(&file, true, &error, &line, &column)) {
+        // Nothing stands between column and error text; this is meant.
+        report(Signature, tr("Parse error at line ") + QString::number(line) + tr(", column ") +
+                              QString::number(column) + error);
+        return false;
+    }
+    return true;
+}
+
+bool MainClass::readTermsXMLFile(const QString& path, const QString& recordTag, bool containsField)
+{
+    QDomDocument document;
+    if (!ruleDomDocumentsetContent(path, &document)) {
+        report(ReadTermsSignature, tr("can not read ") + recordTag + tr(" records"));
+        return false;
+    }
+    ConfigInfo item;
+    item.setXMLFile(path);
+    for (QDomElement element = document.documentElement().firstChildElement(); !element.isNull();
+         element = element.nextSiblingElement())
+        readTermRecord(element, recordTag, containsField, &item);
+    return true;
+}
+
+void MainClass::readTermRecord(const QDomElement& element, const QString& recordTag,
+                               bool containsField, ConfigInfo* item)
+{
+    if (isDisabled(element))
+        return;
+    if (element.tagName() != recordTag) {
+        // The head is that of the last record with the right tag, unlike in the message rules; this
+        // is meant.
+        report(ReadTermsSignature,
+               item->xmlErrorHead() + tr("bad tag name ") + element.tagName());
+        return;
+    }
+    setItem(item, element, QStringLiteral("name"), QStringLiteral("term"));
+    if (const TermStd* const previous = termsList_search(&termsList, item->recordName)) {
+        report(ReadTermsSignature,
+               item->xmlErrorHead() + tr("detect replay record, previous record (") +
+                   previous->config.xmlErrorHeadShort() + tr(") contains rule \"") +
+                   previous->config.ruleText + tr("\" ignored record contains rule \"") +
+                   item->ruleText + u'"');
+        return;
+    }
+    // A text that does not compile was reported by the compiler; nothing is added here, unlike for
+    // the message rules, and this is meant.
+    if (TermStd* const term = TermExpression::append_expression(item, true)) {
+        term->containsField = containsField;
+        termsList.append(term);
+    }
+}
+
+TermStd* MainClass::termsList_search(const TermList* list, const QString& name)
+{
+    return list->search(name);
+}
+
+bool MainClass::readMsgRulesXMLFile(const QString& path)
+{
+    QDomDocument document;
+    if (!ruleDomDocumentsetContent(path, &document))
+        return false;
+    ConfigInfo item;
+    item.setXMLFile(path);
+    for (QDomElement element = document.documentElement().firstChildElement(); !element.isNull();
+         element = element.nextSiblingElement())
+        readMsgRuleRecord(element, &item);
+    return true;
+}
+
+void MainClass::readMsgRuleRecord(const QDomElement& element, ConfigInfo* item)
+{
+    if (isDisabled(element))
+        return;
+    // Before the tag is looked at: a misnamed record is reported at its own place, unlike in the term
+    // files, and this is meant.
+    setItem(item, element, QStringLiteral("title"), QStringLiteral("fields"));
+    const auto reportRecord = [item](const QString& text) {
+        report(ReadMsgRulesSignature, item->xmlErrorHead() + text);
+    };
+    if (element.tagName() != QLatin1String("msgRule")) {
+        reportRecord(tr("bad tag name ") + element.tagName());
+        return;
+    }
+    if (const MsgRule* const previous = AdexpDoc::search_rule(&msgRules, item->recordName)) {
+        reportRecord(tr("detect replay msgRule ") + item->recordName +
+                     tr(" previous msgRule contains fields ") + previous->config.ruleText +
+                     tr(" ignored msgRule contains fields ") + item->ruleText);
+        return;
+    }
+    auto rule = std::make_unique<MsgRule>(item, this);
+    if (!rule->check_config(&termsList)) {
+        reportRecord(tr("rule \"") + item->ruleText + tr("\" no valid, record ignored"));
+        return;
+    }
+    msgRules.append(rule.get());
+    rule.release();
+}
+
+void MainClass::termsList_checkConfig()
+{
+    DefinitionNesting nesting(&termsList);
+    qDeleteAll(termsList.takeUnless([this, &nesting](TermStd* term) {
+        if (!term->configChecked) {
+            if (!isWithinNesting(term, &nesting) || !term->check_config(&termsList)) {
+                // Two blanks; this is meant.
+                term->configErrorMessage(tr("term  no valid, entry is removed"));
+                return false;
+            }
+            term->configChecked = true;
+        }
+        if (term->containsField)
+            term->setCompoundField();
+        return true;
+    }));
+}
+
+QByteArray MainClass::charAdexpToCharXml(const QString& text)
+{
+    AdexpDoc doc(text);
+    doc.setRootField(&msgRules);
+    doc.parse();
+    return doc.toXMLString();
+}

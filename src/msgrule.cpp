@@ -1,0 +1,46 @@
+#include "msgrule.h"
+
+#include "adexpdoc.h"
+#include "adexpfield.h"
+#include "xmlwriter.h"
+
+MsgRule::MsgRule(const ConfigInfo* record, MainClass* converter)
+    : TermExpression(record), owner(converter)
+{
+    compoundField = true;
+}
+
+int MsgRule::type() const
+{
+    return TermTypeMsgRule;
+}
+
+bool MsgRule::isContainsCompoundField() const
+{
+    return true;
+}
+
+QByteArray MsgRule::toXMLString(AdexpDoc* doc) const
+{
+    XmlWriter writer(doc->msgParam.text.size());
+    packDoc(doc, &writer);
+    return writer.takeDocument();
+}
+
+void MsgRule::packDoc(AdexpDoc* doc, XmlWriter* writer) const
+{
+    const MsgParam& param = doc->msgParam;
+    writer->startElement(u"ADEXP_XML");
+    writer->attribute("version", "0.3");
+    writer->attribute("parser_ver", "0.2.1");
+    writer->attribute("from", param.from);
+    writer->attribute("datatime", param.datatime); // the format's own spelling
+    writer->attribute("rating", param.rating);
+    writer->attribute("to", param.to);
+    writer->attribute("rule", config.recordName);
+    doc->rootField->dataToXML(writer);
+    writer->startElement(u"ORIGINAL_TEXT");
+    writer->text(param.text);
+    writer->endElement();
+    writer->endElement();
+}

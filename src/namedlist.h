@@ -1,0 +1,93 @@
+#ifndef NAMEDLIST_H
+#define NAMEDLIST_H
+
+#include <QHash>
+#include <QList>
+#include <QStringView>
+
+#include <algorithm>
+
+class MsgRule;
+class TermStd;
+
+/// Items of a rule set in the order in which they were loaded, found by their record name.
+///
+/// Does not own the items. The name of an item must not change while it is in the list: the index,
+/// which keeps loading linear in the number of definitions, refers to it.
+template<typename Item>
+class NamedList
+{
+public:
+    NamedList() = default;
+    NamedList(std::initializer_list<Item*> items)
+    {
+        for (Item* item : items)
+            append(item);
+    }
+
+    /// Adds @p item (not null) at the end.
+    void append(Item* item)
+    {
+        m_items.append(item);
+        if (!search(item->config.recordName))
+            m_firstByName.insert(item->config.recordName, item);
+    }
+
+    /// The first item, in list order, whose record name equals @p name exactly; null if there is
+    /// none.
+    Item* search(QStringView name) const { return m_firstByName.value(name, nullptr); }
+
+    /// Goes through the list and takes out each item for which @p keep(item) is false. An item that
+    /// was taken out is not found any more by the calls of @p keep that follow. Returns the items
+    /// taken out.
+    template<typename Keep>
+    QList<Item*> takeUnless(Keep keep)
+    {
+        QList<Item*> kept;
+        QList<Item*> taken;
+        const bool namesAreUnique = m_firstByName.size() == m_items.size();
+        for (auto it = m_items.cbegin(); it != m_items.cend(); ++it) {
+            if (keep(*it)) {
+                kept.append(*it);
+            } else {
+                taken.append(*it);
+                forget(it, namesAreUnique);
+            }
+        }
+        m_items = kept;
+        return taken;
+    }
+
+    bool isEmpty() const { return m_items.isEmpty(); }
+    qsizetype size() const { return m_items.size(); }
+    Item* at(qsizetype index) const { return m_items.at(static_cast<int>(index)); }
+    typename QList<Item*>::const_iterator begin() const { return m_items.cbegin(); }
+    typename QList<Item*>::const_iterator end() const { return m_items.cend(); }
+
+private:
+    void forget(typename QList<Item*>::const_iterator it, bool namesAreUnique)
+    {
+        const QStringView name = (*it)->config.recordName;
+        if (search(name) != *it)
+            return;
+        m_firstByName.remove(name);
+        if (namesAreUnique)
+            return;
+        const auto next = std::find_if(it + 1, m_items.cend(), [name](const Item* other) {
+            return other->config.recordName == name;
+        });
+        if (next != m_items.cend())
+            m_firstByName.insert((*next)->config.recordName, *next);
+    }
+
+    QList<Item*> m_items;
+    QHash<QStringView, Item*> m_firstByName;
+};
+
+/// The named terms of a rule set.
+using TermList = NamedList<TermStd>;
+
+/// The message rules of a rule set, by title.
+using RuleList = NamedList<MsgRule>;
+
+#endif

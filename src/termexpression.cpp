@@ -1,0 +1,554 @@
+#include "termexpression.h"
+
+#include "diagnosticline.h"
+#include "termsimple.h"
+#include "termvariable.h"
+
+#include <QObject>
+
+#include <algorithm>
+#include <memory>
+
+TermExpression::TermExpression(const ConfigInfo* record, int nesting)
+    : TermStd(record), m_nesting(nesting)
+{
+    ExprRuleStr = record->ruleText.simplified();
+    fullExprList();
+}
+
+TermExpression::~TermExpression()
+{
+    qDeleteAll(ExprList);
+}
+
+QString TermExpression::nestedTooDeepText()
+{
+    return QObject::tr("brackets and references are nested deeper than %1 levels").arg(MaxNesting);
+}
+
+int TermExpression::type() const
+{
+    return TermTypeExpression;
+}
+
+// Structure queries
+
+int TermExpression::calculateOfLengthData(bool withRepeat) const
+{
+    // In 64 bits, cut to 32 at the end: an overflow has a defined outcome.
+    qint64 length = 0;
+    for (const TermStd* term : ExprList) {
+        const int termLength = term->calculateOfLengthData(true);
+        length = isChoice() ? std::max<qint64>(length, termLength) : length + termLength;
+    }
+    const int total = static_cast<int>(length);
+    return withRepeat ? lengthTimesMaxRepeat(total) : total;
+}
+
+bool TermExpression::check_config(const TermList* termsList)
+{
+    for (TermStd* term : std::as_const(ExprList)) {
+        if (!term->configChecked) {
+            term->check_config(termsList);
+            term->configChecked = true;
+        }
+        if (!term->valid)
+            valid = false;
+    }
+    if (valid) {
+        updateSteps();
+        collectFirstChars();
+    }
+    return valid;
+}
+
+// In a sequence these are the characters of the terms up to the first one that must be there; a
+// separator may be left out with the optional term before it.
+void TermExpression::collectFirstChars()
+{
+    firstChars = FirstChars();
+    bool afterOptional = false;
+    for (const Step& step : m_steps) {
+        firstChars.add(step.firstChars);
+        const bool optional = !step.required || (afterOptional && step.isSeparator);
+        if (!isChoice() && !optional)
+            return;
+        afterOptional = !step.required;
+    }
+}
+
+TermStd* TermExpression::search_TermField(QStringView name) const
+{
+    if (m_termsByText.isEmpty())
+        indexTerms(this);
+    return m_termsByText.find(name);
+}
+
+void TermExpression::indexTerms(const TermExpression* expression) const
+{
+    for (TermStd* term : expression->ExprList) {
+        m_termsByText.insert(term->ExprRuleStr, term);
+        if (term->type() == TermTypeExpression)
+            indexTerms(static_cast<const TermExpression*>(term));
+    }
+}
+
+bool TermExpression::isContainsField() const
+{
+    return containsField ||
+           std::any_of(ExprList.cbegin(), ExprList.cend(),
+                       [](const TermStd* term) { return term->isContainsField(); });
+}
+
+void TermExpression::setCompoundField()
+{
+    if (std::any_of(ExprList.cbegin(), ExprList.cend(),
+                    [](const TermStd* term) { return term->isContainsField(); }))
+        compoundField = true;
+}
+
+bool TermExpression::isContainsCompoundField() const
+{
+    return std::any_of(ExprList.cbegin(), ExprList.cend(), [](const TermStd* term) {
+        return term->compoundField || term->isContainsCompoundField();
+    });
+}
+
+bool TermExpression::isFirstRequiredField(const TermStd* field) const
+{
+    // A choice is walked like a sequence: a required alternative hides those behind it. This is
+    // meant; lists write their alternatives as optional terms.
+    for (const TermStd* term : ExprList) {
+        if (term == field || term->isFirstRequiredField(field))
+            return true;
+        if (term->isRequired())
+            return false;
+    }
+    DiagnosticLine::internalError(
+        "virtual bool TermExpression::isFirstRequiredField(const TermStd*) const",
+        "check_term not found");
+    return false;
+}
+
+// Matching
+
+bool TermExpression::isChoice() const
+{
+    return !OperatorsList.isEmpty() && OperatorsList.at(0) == u'|';
+}
+
+int TermExpression::real_parse(const QChar* data)
+{
+    return isChoice() ? parse_by_operator_or(data) : parse_by_operator_and(data);
+}
+
+const std::vector<TermExpression::Step>& TermExpression::steps() const
+{
+    if (m_steps.size() != static_cast<size_t>(ExprList.size()))
+        updateSteps(); // not checked yet
+    return m_steps;
+}
+
+void TermExpression::updateSteps() const
+{
+    m_steps.clear();
+    m_steps.reserve(static_cast<size_t>(ExprList.size()));
+    for (TermStd* term : ExprList)
+        m_steps.push_back({firstCharsOf(term), term, term->isRequired(), term->isSeparator()});
+}
+
+int TermExpression::parse_by_operator_or(const QChar* data) const
+{
+    int longest = 0;
+    for (const Step& step : steps()) {
+        if (step.firstChars.contains(*data))
+            longest = std::max(longest, step.term->parse(data));
+    }
+    return longest;
+}
+
+int TermExpression::parse_by_operator_and(const QChar* data) const
+{
+    int pos = 0;
+    const Step* step = steps().data();
+    const Step* const end = step + m_steps.size();
+    for (; step != end && !data[pos].isNull(); ++step) {
+        const int matched =
+            step->firstChars.contains(data[pos]) ? step->term->parse(data + pos) : 0;
+        if (step->required) {
+            if (matched == 0)
+                return 0;
+        } else if (step + 1 != end && step[1].isSeparator && parse_sep(data + pos + matched) == 0) {
+            // An optional term without the separator that has to follow it counts as absent, and
+            // the separator with it, even where the optional term has matched: this is meant, and
+            // it holds at the end of the text as well.
+            ++step;
+            continue;
+        }
+        pos += matched;
+    }
+    // The text is used up: what is left must not be required. Separators never are.
+    const bool complete = std::all_of(
+        step, end, [](const Step& left) { return left.isSeparator || !left.required; });
+    return complete ? pos : 0;
+}
+
+// Dump
+
+QString TermExpression::dumpData(bool topLevel) const
+{
+    QString body;
+    for (int i = 0; i < ExprList.size(); ++i) {
+        body += ExprList.at(i)->dumpData(false);
+        if (i + 1 == ExprList.size())
+            break;
+        QChar op = u'?';
+        if (i < OperatorsList.size()) {
+            op = OperatorsList.at(i);
+        } else {
+            DiagnosticLine(QtCriticalMsg)
+                .plain("virtual QString TermExpression::dumpData(bool) const")
+                .plain("i = ")
+                .number(i)
+                .plain("OperatorsList.length() = ")
+                .number(OperatorsList.size())
+                .send();
+        }
+        body += u' ';
+        body += op;
+        body += u' ';
+    }
+    const QString text =
+        QLatin1String("<TermExpression>") + body + QLatin1String("</TermExpression>");
+    if (minRepeat != -1 || maxRepeat != -1)
+        return dumpDataSetMaxMin(text);
+    return topLevel ? text : u'(' + text + u')';
+}
+
+// Compiling
+
+TermStd* TermExpression::append_expression(const ConfigInfo* record, bool forceUnwrap, int nesting)
+{
+    auto expression = std::make_unique<TermExpression>(record, nesting);
+    if (!expression->valid)
+        return nullptr;
+    if (expression->ExprList.size() > 1)
+        return expression.release();
+
+    TermStd* const single = expression->get_first_term();
+    if (!single) {
+        DiagnosticLine(QtCriticalMsg)
+            .plain("static TermStd* TermExpression::append_expression(const ConfigInfo*, bool)")
+            .plain("expr->exprList_count() = ")
+            .number(expression->ExprList.size())
+            .plain("but expr->take_first_term() = 0")
+            .send();
+        return nullptr;
+    }
+    if (!forceUnwrap && (single->bracketType != BracketNone || single->minRepeat != -1 ||
+                         single->maxRepeat != -1))
+        return expression.release();
+    expression->erase_first_term();
+    return single;
+}
+
+TermStd* TermExpression::isStdTerm(const ConfigInfo* record) const
+{
+    static constexpr struct {
+        const char* keyword;
+        TermType kind;
+    } Keywords[] = {
+        {"CHARACTER", TermTypeCharacter}, {"ALPHANUM", TermTypeAlphanum},
+        {"ALPHA", TermTypeAlpha},         {"DIGIT", TermTypeDigit},
+        {"LIM_CHAR", TermTypeLimChar},    {"SEP", TermTypeSep},
+        {"NIL", TermTypeNil},
+    };
+    for (const auto& entry : Keywords) {
+        if (record->ruleText == QLatin1String(entry.keyword))
+            return new TermStd(entry.kind, record);
+    }
+    return nullptr;
+}
+
+TermStd* TermExpression::get_first_term()
+{
+    return ExprList.isEmpty() ? nullptr : ExprList.first();
+}
+
+void TermExpression::erase_first_term()
+{
+    if (ExprList.isEmpty()) {
+        DiagnosticLine::internalError("void TermExpression::erase_first_term()",
+                                      "it == ExprList.end()");
+        return;
+    }
+    ExprList.removeFirst();
+}
+
+ConfigInfo TermExpression::recordWithText(const QString& text) const
+{
+    ConfigInfo record;
+    record.copyParam(&config);
+    record.ruleText = text;
+    return record;
+}
+
+const QChar* TermExpression::textEnd() const
+{
+    return ExprRuleStr.constData() + ExprRuleStr.size();
+}
+
+void TermExpression::fullExprList()
+{
+    if (m_nesting > MaxNesting) {
+        configErrorMessage(nestedTooDeepText());
+        return;
+    }
+    parsePos = ExprRuleStr.constData();
+    QString pendingWord; // a word read but not yet appended: a count may turn out of it
+    if (compileTerms(&pendingWord)) {
+        valid = isComplete(&pendingWord);
+        settleOperator();
+    }
+}
+
+// Reads the text up to its end. False: an error was reported, and compiling stops.
+bool TermExpression::compileTerms(QString* pendingWord)
+{
+    while (parsePos != textEnd()) {
+        switch (parsePos->unicode()) {
+        case u'\'':
+            if (!compileLiteral(pendingWord))
+                return false;
+            break;
+        case u'(':
+        case u'[':
+        case u'{':
+            if (!compileGroup(*parsePos, pendingWord))
+                return false;
+            break;
+        case u'|':
+        case u'!':
+        case u'+':
+            if (!readOperator(pendingWord))
+                return false;
+            break;
+        case u' ':
+            readBlank(pendingWord);
+            break;
+        default:
+            pendingWord->append(*parsePos);
+            ++parsePos;
+        }
+    }
+    return true;
+}
+
+bool TermExpression::compileLiteral(QString* pendingWord)
+{
+    const QString literal = get_term(u'\'', u'\'', pendingWord, nullptr, nullptr);
+    if (literal.isEmpty())
+        return false;
+    append_operator(QString());
+    const ConfigInfo record = recordWithText(literal.toUpper());
+    ExprList.append(new TermSimple(&record));
+    return true;
+}
+
+bool TermExpression::compileGroup(QChar open, QString* pendingWord)
+{
+    int minCount = -1;
+    int maxCount = -1;
+    QString inner;
+    int bracket = BracketNone;
+    if (open == u'{') {
+        bracket = BracketRepeat;
+        inner = get_term(open, u'}', pendingWord, &minCount, &maxCount);
+    } else {
+        const bool optional = open == u'[';
+        bracket = optional ? BracketOptional : BracketNone;
+        inner = get_term(open, optional ? u']' : u')', pendingWord, nullptr, nullptr);
+    }
+    if (inner.isEmpty())
+        return false;
+
+    // The text as written, before upper-casing: "(sep)" is preceded by a separator, "(SEP)" is not.
+    // This is meant.
+    append_operator(inner);
+    const ConfigInfo record = recordWithText(inner.toUpper());
+    TermStd* term = isStdTerm(&record);
+    if (!term)
+        term = append_expression(&record, false, m_nesting + 1);
+    if (!term)
+        return false;
+    term->bracketType = bracket;
+    if (bracket == BracketRepeat)
+        term->setRepeatCount(minCount, maxCount);
+    ExprList.append(term);
+    return true;
+}
+
+bool TermExpression::readOperator(QString* pendingWord)
+{
+    if (!pendingWord->isEmpty()) {
+        appendPendingWord(pendingWord);
+    } else if (!currentOperator.isNull()) {
+        configErrorMessage(QObject::tr("two statements one after another without the term ") +
+                           currentOperator + u' ' + *parsePos);
+        return false;
+    } else if (ExprList.isEmpty()) {
+        configErrorMessage(QObject::tr("operator ") + *parsePos + QObject::tr(" without the term"));
+        return false;
+    }
+    currentOperator = *parsePos;
+    ++parsePos;
+    return true;
+}
+
+void TermExpression::readBlank(QString* pendingWord)
+{
+    ++parsePos;
+    // Before a brace the word may be the minimum count: "2 {DIGIT}".
+    const bool braceFollows = parsePos != textEnd() && *parsePos == u'{';
+    if (!braceFollows && !pendingWord->isEmpty())
+        appendPendingWord(pendingWord);
+}
+
+// At the end of the text: is the expression complete?
+bool TermExpression::isComplete(QString* pendingWord)
+{
+    if (!pendingWord->isEmpty()) {
+        appendPendingWord(pendingWord);
+        return true;
+    }
+    if (ExprList.isEmpty()) {
+        configErrorMessage(QObject::tr("term list is empty"));
+        return false;
+    }
+    if (!currentOperator.isNull()) {
+        configErrorMessage(QObject::tr("missing the last term after operator ") + currentOperator);
+        return false;
+    }
+    return true;
+}
+
+// At the end of the text: the operators must be all the same.
+void TermExpression::settleOperator()
+{
+    currentOperator = OperatorsList.isEmpty() ? QChar() : OperatorsList.at(0);
+    const bool mixed = std::any_of(OperatorsList.cbegin(), OperatorsList.cend(),
+                                   [this](QChar op) { return op != currentOperator; });
+    if (mixed) {
+        configErrorMessage(QObject::tr("automatic priority operations are not implemented, please "
+                                       "arrange the brackets to indicate the priority"));
+        valid = false;
+    }
+}
+
+QString TermExpression::get_term(const QChar& open, const QChar& close, QString* pendingWord,
+                                 int* minCount, int* maxCount)
+{
+    QString inner;
+    if (!collectPart(open, close, &inner))
+        return QString();
+
+    if (!pendingWord->isEmpty()) {
+        bool isNumber = false;
+        if (minCount) {
+            const int number = pendingWord->toInt(&isNumber);
+            if (isNumber)
+                *minCount = number;
+        }
+        if (isNumber)
+            pendingWord->clear();
+        else
+            appendPendingWord(pendingWord);
+    }
+    if (maxCount)
+        *maxCount = readMaxCount();
+    return inner;
+}
+
+// Collects what stands between the opening character at the cursor and its closing one, and moves
+// the cursor behind it. False: an error was reported.
+bool TermExpression::collectPart(QChar open, QChar close, QString* inner)
+{
+    const QChar* const begin = parsePos + 1;
+    const QChar* end = begin;
+    // Of quotes the first one closes, as open and close are the same. Only brackets of the same kind
+    // count.
+    for (int depth = 0; end != textEnd(); ++end) {
+        if (*end == close && depth-- == 0)
+            break;
+        if (*end == open)
+            ++depth;
+    }
+    *inner = QString(begin, static_cast<int>(end - begin));
+    if (end == textEnd()) {
+        QString text = QObject::tr("no clossing character ") + close; // the spelling is meant
+        if (!inner->isEmpty())
+            text += u' ' + *inner;
+        configErrorMessage(text);
+        return false;
+    }
+    if (inner->isEmpty()) {
+        configErrorMessage(QObject::tr("term in ") + open + close + QObject::tr(" empty"));
+        return false;
+    }
+    parsePos = end + 1;
+    return true;
+}
+
+// Reads the maximum count behind a closing brace, -1 if there is none. Digits that run on into a
+// word ("{DIGIT}5X") are no count and stay for the word.
+int TermExpression::readMaxCount()
+{
+    const QChar* begin = parsePos;
+    while (begin != textEnd() && *begin == u' ')
+        ++begin;
+    const QChar* end = begin;
+    while (end != textEnd() && *end >= u'0' && *end <= u'9')
+        ++end;
+    const bool isCount = begin != end && (end == textEnd() ||
+                                          QStringView(u" !|+'{([").contains(*end));
+    if (!isCount)
+        return -1;
+    parsePos = end;
+    return QString(begin, static_cast<int>(end - begin)).toInt(); // 0 if it does not fit
+}
+
+void TermExpression::append_operator(const QString& nextTermText)
+{
+    if (ExprList.isEmpty())
+        return;
+    if (!currentOperator.isNull() && currentOperator != u'+') {
+        OperatorsList.append(currentOperator);
+        currentOperator = QChar();
+        return;
+    }
+    OperatorsList.append(u'!');
+    currentOperator = QChar();
+    // No separator before a literal (whose text comes empty here), although there is one behind it:
+    // "'X' A" allows white space, "A 'X'" does not. This is meant.
+    if (nextTermText.isEmpty() || nextTermText == QLatin1String("SEP") ||
+        ExprList.last()->isSeparator())
+        return;
+    ConfigInfo record; // stands nowhere in the rule files
+    record.ruleText = QStringLiteral("AUTOSEP");
+    ExprList.append(new TermStd(TermTypeSep, &record));
+    OperatorsList.append(u'!');
+}
+
+void TermExpression::append_variable(const ConfigInfo* record)
+{
+    append_operator(record->ruleText);
+    TermStd* const standard = isStdTerm(record);
+    ExprList.append(standard ? standard : new TermVariable(record));
+}
+
+void TermExpression::appendPendingWord(QString* pendingWord)
+{
+    const ConfigInfo record = recordWithText(pendingWord->toUpper());
+    append_variable(&record);
+    pendingWord->clear();
+}

@@ -1,0 +1,44 @@
+#include "termsimple.h"
+
+#include <QObject>
+
+TermSimple::TermSimple(const ConfigInfo* record) : TermStd(record)
+{
+    ExprRuleStr = record->ruleText.simplified();
+    valid = true;
+    firstChars = FirstChars();
+    if (!ExprRuleStr.isEmpty())
+        firstChars.add(ExprRuleStr.at(0).unicode());
+}
+
+int TermSimple::type() const
+{
+    return TermTypeSimple;
+}
+
+int TermSimple::calculateOfLengthData(bool) const
+{
+    return lengthTimesMaxRepeat(static_cast<int>(ExprRuleStr.size()));
+}
+
+bool TermSimple::check_config(const TermList*)
+{
+    if (ExprRuleStr.isEmpty()) {
+        configErrorMessage(QObject::tr("ExprRuleStr is empty"));
+        valid = false;
+    }
+    return valid;
+}
+
+int TermSimple::real_parse(const QChar* data)
+{
+    // The null that ends the data differs from every character of the literal, so this never reads
+    // beyond it.
+    const QChar* const literal = ExprRuleStr.constData();
+    const auto length = ExprRuleStr.size();
+    for (auto i = length - length; i < length; ++i) {
+        if (literal[i] != data[i])
+            return 0;
+    }
+    return static_cast<int>(length);
+}

@@ -1,0 +1,169 @@
+#include "termvariable.h"
+
+#include "diagnosticline.h"
+#include "termexpression.h"
+
+#include <QObject>
+#include <QScopedValueRollback>
+
+namespace
+{
+
+const char* const NotResolved = "simpleTerm == 0";
+const char* const Loop = "loop detected in the variables";
+
+} // namespace
+
+TermVariable::TermVariable(const ConfigInfo* record) : TermStd(record)
+{
+    ExprRuleStr = record->ruleText;
+}
+
+int TermVariable::type() const
+{
+    return TermTypeVariable;
+}
+
+int TermVariable::calculateOfLengthData(bool withRepeat) const
+{
+    if (!simpleTerm) {
+        DiagnosticLine::internalError("virtual int TermVariable::calculateOfLengthData(bool) const",
+                                      NotResolved);
+        return 0;
+    }
+    const int length = simpleTerm->calculateOfLengthData(true);
+    return withRepeat ? lengthTimesMaxRepeat(length) : length;
+}
+
+bool TermVariable::fail(const QString& text)
+{
+    configErrorMessage(text);
+    valid = false;
+    return false;
+}
+
+bool TermVariable::check_config(const TermList* termsList)
+{
+    if (loopGuard) {
+        // `valid` stays: the call that is under way decides about it.
+        configErrorMessage(QObject::tr("loop detected in the variables"));
+        return false;
+    }
+    if (simpleTerm)
+        return valid;
+    if (ExprRuleStr.isEmpty())
+        return fail(QObject::tr("ExprRuleStr is empty"));
+    if (config.recordName == ExprRuleStr)
+        return fail(QObject::tr("variable points to itself"));
+    if (!termsList)
+        return fail(QObject::tr("termsList = 0"));
+
+    TermStd* const term = termsList->search(ExprRuleStr);
+    if (!term)
+        return fail(QObject::tr("variable ") + ExprRuleStr + QObject::tr(" not found"));
+
+    if (term->configChecked) {
+        valid = term->valid;
+    } else {
+        valid = checkReferredTerm(term, termsList);
+        // Also after a failure: nobody checks the term again, and it stays in the list (unresolved).
+        // This is meant.
+        term->configChecked = true;
+    }
+    if (!valid)
+        return fail(QObject::tr("variable ") + ExprRuleStr +
+                    QObject::tr(" was found, but variable not valid"));
+    simpleTerm = term;
+    firstChars = firstCharsOf(term);
+    return true;
+}
+
+bool TermVariable::checkReferredTerm(TermStd* term, const TermList* termsList)
+{
+    // Definitions that nest too deep are not checked at all, but in a tangle of loops the checks can
+    // enter one definition again through each of its references.
+    static int checksUnderWay = 0;
+    if (checksUnderWay == TermExpression::MaxNesting)
+        return fail(TermExpression::nestedTooDeepText());
+    const QScopedValueRollback<int> oneMore(checksUnderWay, checksUnderWay + 1);
+    const QScopedValueRollback<bool> guard(loopGuard, true);
+    return term->check_config(termsList);
+}
+
+QString TermVariable::dumpData(bool) const
+{
+    // The closing tag stands twice and the opening one once; this form is meant.
+    const QString name = dumpDataSetMaxMin(ExprRuleStr);
+    return name + QLatin1String("<simpleTerm>") + name + QLatin1String("</simpleTerm>") +
+           (simpleTerm ? simpleTerm->dumpData(false) : QStringLiteral("not found")) +
+           QLatin1String("</simpleTerm>");
+}
+
+bool TermVariable::isCharacterNoLimit()
+{
+    if (TermStd::isCharacterNoLimit())
+        return true;
+    if (!simpleTerm) {
+        DiagnosticLine::internalError("virtual bool TermVariable::isCharacterNoLimit()",
+                                      NotResolved);
+        return false;
+    }
+    if (loopGuard) {
+        DiagnosticLine::internalError("virtual bool TermVariable::isCharacterNoLimit()", Loop);
+        return false;
+    }
+    const QScopedValueRollback<bool> guard(loopGuard, true);
+    return simpleTerm->isCharacterNoLimit();
+}
+
+TermStd* TermVariable::search_TermField(QStringView name) const
+{
+    if (!simpleTerm)
+        return nullptr;
+    if (simpleTerm->type() == TermTypeVariable)
+        return simpleTerm->ExprRuleStr == name ? simpleTerm : nullptr;
+    return simpleTerm->search_TermField(name);
+}
+
+bool TermVariable::isContainsField() const
+{
+    return containsField || (simpleTerm && simpleTerm->isContainsField());
+}
+
+void TermVariable::setCompoundField()
+{
+    if (simpleTerm)
+        compoundField = simpleTerm->isContainsField();
+}
+
+bool TermVariable::isContainsCompoundField() const
+{
+    return simpleTerm && (simpleTerm->compoundField || simpleTerm->isContainsCompoundField());
+}
+
+bool TermVariable::isFirstRequiredField(const TermStd* field) const
+{
+    if (!simpleTerm) {
+        DiagnosticLine::internalError(
+            "virtual bool TermVariable::isFirstRequiredField(const TermStd*) const", NotResolved);
+        return false;
+    }
+    return simpleTerm == field || simpleTerm->isFirstRequiredField(field);
+}
+
+int TermVariable::real_parse(const QChar* data)
+{
+    if (!simpleTerm) {
+        DiagnosticLine::internalError("virtual int TermVariable::real_parse(const QChar*)",
+                                      NotResolved);
+        return 0;
+    }
+    if (loopGuard) {
+        DiagnosticLine::internalError("virtual int TermVariable::real_parse(const QChar*)", Loop);
+        return 0;
+    }
+    loopGuard = true;
+    const int matched = simpleTerm->parse(data);
+    loopGuard = false;
+    return matched;
+}

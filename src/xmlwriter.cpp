@@ -1,0 +1,274 @@
+#include "xmlwriter.h"
+
+#include "xmlchar.h"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <new>
+
+namespace
+{
+
+constexpr char32_t Replacement = 0xfffd;
+
+// The most bytes that one UTF-16 unit becomes in text or attribute value ("&quot;"), and in a name
+// ("_x002F_"; a pair of surrogates takes less for each).
+constexpr qsizetype MaxBytesPerUnit = 6;
+constexpr qsizetype MaxNameBytesPerUnit = 7;
+
+// The units of text for which room is made at once.
+constexpr qsizetype ChunkUnits = 4096;
+
+// What an ASCII character may do without further questions.
+enum AsciiBit : unsigned char { PlainInText = 1, PlainInAttribute = 2, NameStart = 4, Name = 8 };
+
+constexpr std::array<unsigned char, 128> makeAsciiTable()
+{
+    std::array<unsigned char, 128> table{};
+    for (char32_t c = 0; c < table.size(); ++c) {
+        // '>' is escaped only behind "]]", which is a further question.
+        const bool plain = c >= 0x20 && c != U'&' && c != U'<' && c != U'>';
+        if (plain || c == U'\t' || c == U'\n')
+            table[c] |= PlainInText;
+        if (plain && c != U'"')
+            table[c] |= PlainInAttribute;
+        if (XmlChar::isAsciiNameStart(c))
+            table[c] |= NameStart;
+        if (XmlChar::isAsciiName(c))
+            table[c] |= Name;
+    }
+    return table;
+}
+
+constexpr std::array<unsigned char, 128> AsciiTable = makeAsciiTable();
+
+bool isAscii(QChar c, AsciiBit bit)
+{
+    return c.unicode() < AsciiTable.size() && (AsciiTable[c.unicode()] & bit) != 0;
+}
+
+// The code point that begins at `in`, moving `in` behind it. A lone surrogate is its own code point.
+char32_t takeCodePoint(const QChar*& in, const QChar* end)
+{
+    const QChar c = *in++;
+    if (c.isHighSurrogate() && in != end && in->isLowSurrogate())
+        return QChar::surrogateToUcs4(c, *in++);
+    return c.unicode();
+}
+
+char* putUtf8(char* out, char32_t c)
+{
+    const auto byte = [](char32_t bits) { return static_cast<char>(static_cast<unsigned char>(bits)); };
+    if (c < 0x80) {
+        *out++ = byte(c);
+        return out;
+    }
+    if (c < 0x800) {
+        *out++ = byte(0xc0 | (c >> 6));
+    } else {
+        if (c < 0x10000) {
+            *out++ = byte(0xe0 | (c >> 12));
+        } else {
+            *out++ = byte(0xf0 | (c >> 18));
+            *out++ = byte(0x80 | ((c >> 12) & 0x3f));
+        }
+        *out++ = byte(0x80 | ((c >> 6) & 0x3f));
+    }
+    *out++ = byte(0x80 | (c & 0x3f));
+    return out;
+}
+
+char* putBytes(char* out, std::string_view bytes)
+{
+    std::memcpy(out, bytes.data(), bytes.size());
+    return out + bytes.size();
+}
+
+char* putEscapedInName(char* out, char32_t c)
+{
+    static constexpr char Digits[] = "0123456789ABCDEF";
+    out = putBytes(out, "_x");
+    for (int shift = c > 0xfffff ? 20 : c > 0xffff ? 16 : 12; shift >= 0; shift -= 4)
+        *out++ = Digits[(c >> shift) & 0xf];
+    *out++ = '_';
+    return out;
+}
+
+char* putName(char* out, QStringView name)
+{
+    const QChar* const begin = name.data();
+    const QChar* const end = begin + name.size();
+    for (const QChar* in = begin; in != end;) {
+        const bool first = in == begin;
+        if (isAscii(*in, first ? NameStart : Name)) {
+            *out++ = static_cast<char>((in++)->unicode());
+            continue;
+        }
+        const char32_t c = takeCodePoint(in, end);
+        const bool allowed = first ? XmlChar::isNameStart(c) : XmlChar::isName(c);
+        out = allowed ? putUtf8(out, c) : putEscapedInName(out, c);
+    }
+    return out;
+}
+
+// The escape of a character in text, or in an attribute value, where more has to be escaped; empty
+// if the character stands as it is.
+std::string_view escapeFor(char32_t c, bool inAttribute)
+{
+    switch (c) {
+    case U'&':
+        return "&amp;";
+    case U'<':
+        return "&lt;";
+    case U'\r':
+        return "&#xd;";
+    case U'"':
+        return inAttribute ? "&quot;" : "";
+    case U'\t':
+        return inAttribute ? "&#x9;" : "";
+    case U'\n':
+        return inAttribute ? "&#xa;" : "";
+    default:
+        return {};
+    }
+}
+
+// Writes text[from, to) and returns the end; text before `from` tells whether a '>' ends "]]>".
+// Moves `from` behind what was written: behind `to` if that lies within a pair of surrogates.
+char* putEscaped(char* out, QStringView text, qsizetype* from, qsizetype to, bool inAttribute)
+{
+    const AsciiBit plain = inAttribute ? PlainInAttribute : PlainInText;
+    const QChar* const begin = text.data();
+    const QChar* const stop = begin + to;
+    const QChar* in = begin + *from;
+    while (in < stop) {
+        // Four at a time, since nearly all of a text is plain.
+        while (stop - in >= 4 && isAscii(in[0], plain) && isAscii(in[1], plain) &&
+               isAscii(in[2], plain) && isAscii(in[3], plain)) {
+            for (int i = 0; i < 4; ++i)
+                *out++ = static_cast<char>((in++)->unicode());
+        }
+        if (in == stop)
+            break;
+        if (isAscii(*in, plain)) {
+            *out++ = static_cast<char>((in++)->unicode());
+            continue;
+        }
+        const char32_t c = takeCodePoint(in, begin + text.size());
+        if (c == U'>') {
+            const bool endsSection = in - begin > 2 && in[-2] == u']' && in[-3] == u']';
+            out = putBytes(out, endsSection ? "&gt;" : ">");
+        } else if (const std::string_view escape = escapeFor(c, inAttribute); !escape.empty()) {
+            out = putBytes(out, escape);
+        } else {
+            out = putUtf8(out, XmlChar::isAllowed(c) ? c : Replacement);
+        }
+    }
+    *from = in - begin;
+    return out;
+}
+
+} // namespace
+
+XmlWriter::XmlWriter(qsizetype textSize) : m_out(m_buffer.data()), m_end(m_out)
+{
+    // Twelve times the text is what messages of short fields come to; the buffer grows if it is more.
+    grow(1024 + std::min<qsizetype>(textSize, 1 << 20) * 12);
+}
+
+// Enlarges the buffer so that `bytes` more bytes fit.
+void XmlWriter::grow(qsizetype bytes)
+{
+    // The size type of QByteArray is that of the Qt in use, 32 bits in Qt 5.
+    using Size = decltype(m_buffer.size());
+    constexpr qsizetype limit = std::numeric_limits<Size>::max() - 64;
+    const qsizetype used = size();
+    const qsizetype capacity = m_buffer.size();
+    if (bytes > limit - used)
+        throw std::bad_alloc();
+    const qsizetype grown = std::min(limit, std::max(used + bytes, capacity + capacity / 2));
+    m_buffer.resize(static_cast<Size>(grown));
+    m_out = m_buffer.data() + used;
+    m_end = m_buffer.data() + grown;
+}
+
+char* XmlWriter::breakLineAndIndent(char* out) const
+{
+    const auto blanks = static_cast<size_t>(m_open.size() * IndentWidth);
+    *out++ = '\n';
+    std::memset(out, ' ', blanks);
+    return out + blanks;
+}
+
+void XmlWriter::startElement(QStringView name)
+{
+    char* out = room(2 + indentRoom() + name.size() * MaxNameBytesPerUnit);
+    if (!m_open.isEmpty()) {
+        OpenElement& parent = m_open.last();
+        if (parent.lastContent == Content::None)
+            *out++ = '>';
+        if (parent.lastContent != Content::Text)
+            out = breakLineAndIndent(out);
+        parent.lastContent = Content::Element;
+    }
+    *out++ = '<';
+    char* const nameEnd = putName(out, name);
+    m_open.append({out - m_buffer.constData(), nameEnd - out, Content::None});
+    m_out = nameEnd;
+}
+
+void XmlWriter::endElement()
+{
+    const OpenElement element = m_open.last();
+    m_open.removeLast();
+    char* out = room(3 + indentRoom() + element.nameSize);
+    if (element.lastContent == Content::None) {
+        m_out = copy(out, "/>");
+        return;
+    }
+    if (element.lastContent == Content::Element)
+        out = breakLineAndIndent(out);
+    const auto nameSize = static_cast<size_t>(element.nameSize);
+    out = copy(copy(out, "</"), {m_buffer.constData() + element.nameBegin, nameSize});
+    *out++ = '>';
+    m_out = out;
+}
+
+void XmlWriter::attribute(std::string_view name, QStringView value)
+{
+    char* out = room(static_cast<qsizetype>(name.size()) + value.size() * MaxBytesPerUnit +
+                     AttributeSigns);
+    qsizetype from = 0;
+    out = putEscaped(beginAttribute(out, name), value, &from, value.size(), true);
+    *out = '"';
+    m_out = out + 1;
+}
+
+void XmlWriter::text(QStringView text)
+{
+    OpenElement& element = m_open.last();
+    if (element.lastContent == Content::None) {
+        char* const out = room(1);
+        *out = '>';
+        m_out = out + 1;
+    }
+    element.lastContent = Content::Text;
+    // In chunks, since six times the whole of a long text is more room than it needs.
+    for (qsizetype from = 0; from < text.size();) {
+        const qsizetype to = std::min(from + ChunkUnits, text.size());
+        char* const out = room((to - from + 1) * MaxBytesPerUnit);
+        m_out = putEscaped(out, text, &from, to, false);
+    }
+}
+
+QByteArray XmlWriter::takeDocument()
+{
+    *room(1) = '\n';
+    ++m_out;
+    m_buffer.truncate(static_cast<decltype(m_buffer.size())>(size()));
+    QByteArray document;
+    document.swap(m_buffer);
+    m_out = m_end = m_buffer.data();
+    return document;
+}

@@ -1,0 +1,110 @@
+#ifndef XMLWRITER_H
+#define XMLWRITER_H
+
+#include <QByteArray>
+#include <QStringView>
+#include <QVarLengthArray>
+
+#include <charconv>
+#include <cstring>
+#include <string_view>
+
+/// Writes an XML document, element by element, straight to UTF-8.
+///
+/// The layout is that of QDomDocument::toString(4): four blanks per level, an element on a line of
+/// its own unless text stands before it. Attributes come in the order of the calls, so the same calls
+/// always give the same bytes.
+///
+/// The document is well-formed whatever the message holds. A character that XML cannot carry is
+/// written as U+FFFD; in an element name each character that a name without prefix may not hold at
+/// its place (in one of the editions of XML 1.0) is written as _xHHHH_, its code point in four or
+/// more upper-case hexadecimal digits.
+///
+/// How it works: each operation asks once for all the room that it can need (room()), writes without
+/// further checks and tells where it ended (m_out).
+class XmlWriter
+{
+public:
+    /// A writer for a document over a message of @p textSize UTF-16 units; the size is only a hint
+    /// for the memory to begin with.
+    explicit XmlWriter(qsizetype textSize);
+
+    /// Opens an element in the current one. @p name must not be empty.
+    void startElement(QStringView name);
+
+    /// Adds an attribute to the element just opened, before any text or element in it. @p name, and
+    /// a value of single bytes, are ASCII and need no escaping.
+    void attribute(std::string_view name, QStringView value);
+
+    // These two stand here to be inlined: with names and values known, they are a few moves.
+    void attribute(std::string_view name, std::string_view value)
+    {
+        char* out = room(static_cast<qsizetype>(name.size() + value.size()) + AttributeSigns);
+        out = copy(beginAttribute(out, name), value);
+        *out = '"';
+        m_out = out + 1;
+    }
+    void attribute(std::string_view name, int value)
+    {
+        constexpr int maxDigits = 11;
+        char* out = room(static_cast<qsizetype>(name.size()) + maxDigits + AttributeSigns);
+        out = beginAttribute(out, name);
+        out = std::to_chars(out, out + maxDigits, value).ptr;
+        *out = '"';
+        m_out = out + 1;
+    }
+
+    /// Appends text to the current element.
+    void text(QStringView text);
+
+    /// Closes the current element.
+    void endElement();
+
+    /// The whole document as UTF-8; the writer is empty afterwards. Call it when every element is
+    /// closed.
+    QByteArray takeDocument();
+
+private:
+    enum class Content { None, Text, Element };
+
+    struct OpenElement
+    {
+        qsizetype nameBegin; // the name in m_buffer, for the end tag
+        qsizetype nameSize;
+        Content lastContent;
+    };
+
+    static constexpr qsizetype AttributeSigns = 4; // blank, equals sign, two quotes
+
+    static char* copy(char* out, std::string_view bytes)
+    {
+        std::memcpy(out, bytes.data(), bytes.size());
+        return out + bytes.size();
+    }
+    static char* beginAttribute(char* out, std::string_view name)
+    {
+        *out++ = ' ';
+        return copy(copy(out, name), "=\"");
+    }
+
+    // Where to write, with room for so many bytes.
+    char* room(qsizetype bytes)
+    {
+        if (bytes > m_end - m_out)
+            grow(bytes);
+        return m_out;
+    }
+    void grow(qsizetype bytes);
+    qsizetype size() const { return m_out - m_buffer.constData(); }
+    qsizetype indentRoom() const { return 1 + static_cast<qsizetype>(m_open.size()) * IndentWidth; }
+    char* breakLineAndIndent(char* out) const;
+
+    static constexpr qsizetype IndentWidth = 4;
+
+    QByteArray m_buffer;
+    char* m_out; // where to write next in m_buffer
+    char* m_end; // behind the last byte of m_buffer
+    QVarLengthArray<OpenElement, 16> m_open;
+};
+
+#endif

@@ -1,0 +1,37 @@
+// A program that knows nothing of the library but its header: writes the documents of the message
+// files named by its arguments to standard output, under the embedded rule set.
+
+#include "adexp.h"
+
+#include <cstdio>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+namespace {
+
+const std::string Settings = ":/adexp/adexp.ini";
+
+void convertFile(const char* path)
+{
+    std::ifstream file(path, std::ios::binary);
+    const std::string message{std::istreambuf_iterator<char>(file), {}};
+    unsigned int length = 0;
+    const char* const document =
+        convert_from_adexp(message.data(), static_cast<unsigned int>(message.size()), &length);
+    std::printf("%s: %u\n", path, length);
+    if (document)
+        std::fwrite(document, 1, length, stdout);
+    free_adexp(document);
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    if (init_adexp(Settings.data(), static_cast<int>(Settings.size())) != 0)
+        return 1;
+    for (int i = 1; i < argc; ++i)
+        convertFile(argv[i]);
+    clear_adexp();
+}

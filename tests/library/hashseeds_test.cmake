@@ -1,0 +1,28 @@
+# The same messages must give the same bytes in every process: nothing may depend on the order of
+# Qt's hash tables, which changes from process to process.
+#
+#   cmake -DPROGRAM=<convertfiles> -DMESSAGES=<folder> -P <this file>
+
+file(GLOB messages LIST_DIRECTORIES false ${MESSAGES}/*)
+if(NOT messages)
+    message(FATAL_ERROR "no messages in ${MESSAGES}")
+endif()
+
+function(convert variable)
+    execute_process(COMMAND ${CMAKE_COMMAND} -E env ${ARGN} ${PROGRAM} ${messages}
+        OUTPUT_VARIABLE documents ERROR_VARIABLE reports COMMAND_ERROR_IS_FATAL ANY)
+    # Qt 6 takes no other fixed seed than 0, and says so.
+    string(REGEX REPLACE "[^\n]*QT_HASH_SEED[^\n]*\n" "" reports "${reports}")
+    if(NOT documents MATCHES "<ADEXP_XML ")
+        message(FATAL_ERROR "there are no documents: ${documents}")
+    endif()
+    set(${variable} "${documents}${reports}" PARENT_SCOPE)
+endfunction()
+
+convert(expected QT_HASH_SEED=0)
+foreach(environment IN ITEMS QT_HASH_SEED=1 QT_HASH_SEED=7 --unset=QT_HASH_SEED --unset=QT_HASH_SEED)
+    convert(result ${environment})
+    if(NOT result STREQUAL expected)
+        message(SEND_ERROR "${environment}: not what it is with QT_HASH_SEED=0")
+    endif()
+endforeach()

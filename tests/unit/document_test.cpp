@@ -1,0 +1,124 @@
+// A message cut into words.
+
+#include "adexpdoc.h"
+
+#include "support/diagnosticcapture.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using Words = std::vector<std::pair<std::string, int>>;
+
+Words wordsOf(const AdexpDoc& doc)
+{
+    Words words;
+    for (const DocWord* word : doc.wordList)
+        words.emplace_back(word->text.toString().toStdString(), word->beginPoint);
+    return words;
+}
+
+Words wordsOf(const QString& text)
+{
+    return wordsOf(AdexpDoc(text));
+}
+
+TEST(Document, PositionsCountWithoutCarriageReturns)
+{
+    const AdexpDoc doc(QStringLiteral("-TITLE IFPL\r\n-ARCID ABC"));
+    EXPECT_EQ(wordsOf(doc), (Words{{"-TITLE", 0}, {"IFPL", 7}, {"-ARCID", 12}, {"ABC", 19}}));
+    EXPECT_EQ(doc.msgParam.text, QStringLiteral("-TITLE IFPL\n-ARCID ABC"));
+}
+
+TEST(Document, CarriageReturnsGoWhereverTheyStand)
+{
+    const AdexpDoc doc(QStringLiteral("\rA\r\rB\r C\r"));
+    EXPECT_EQ(doc.msgParam.text, QStringLiteral("AB C"));
+    EXPECT_EQ(wordsOf(doc), (Words{{"AB", 0}, {"C", 3}}));
+}
+
+TEST(Document, EmptyTextHasNoWords)
+{
+    const AdexpDoc doc{QString()};
+    EXPECT_TRUE(doc.wordList.isEmpty());
+    EXPECT_TRUE(doc.currWordListIt == doc.wordList.constEnd());
+}
+
+TEST(Document, TextOfSeparatorsHasNoWords)
+{
+    const AdexpDoc doc(QStringLiteral(" \n\t\r\n "));
+    EXPECT_TRUE(doc.wordList.isEmpty());
+    EXPECT_TRUE(doc.currWordListIt == doc.wordList.constEnd());
+    EXPECT_TRUE(doc.lastFieldWordListIt == doc.wordList.constEnd());
+}
+
+TEST(Document, RunsOfSeparatorsMakeNoWords)
+{
+    EXPECT_EQ(wordsOf(QStringLiteral("A  \t\nB")), (Words{{"A", 0}, {"B", 5}}));
+    EXPECT_EQ(wordsOf(QStringLiteral("\n A")), (Words{{"A", 2}}));
+}
+
+TEST(Document, LastWordNeedsNoSeparator)
+{
+    EXPECT_EQ(wordsOf(QStringLiteral("A BC")), (Words{{"A", 0}, {"BC", 2}}));
+    EXPECT_EQ(wordsOf(QStringLiteral("A BC ")), (Words{{"A", 0}, {"BC", 2}}));
+}
+
+TEST(Document, LoneHyphenIsAWord)
+{
+    EXPECT_EQ(wordsOf(QStringLiteral("- TITLE")), (Words{{"-", 0}, {"TITLE", 2}}));
+}
+
+TEST(Document, HyphenDoesNotSplit)
+{
+    EXPECT_EQ(wordsOf(QStringLiteral("ABC-DEF --X-")), (Words{{"ABC-DEF", 0}, {"--X-", 8}}));
+}
+
+TEST(Document, OtherWhiteSpaceIsPartOfAWord)
+{
+    const QString text = QStringLiteral(u"A\fB\vC\u00a0D\u2003E\u0085F");
+    EXPECT_EQ(wordsOf(text), (Words{{text.toStdString(), 0}}));
+}
+
+TEST(Document, NullCharacterIsPartOfAWord)
+{
+    const AdexpDoc doc(QString(u'A') + QChar() + u'B');
+    ASSERT_EQ(doc.wordList.size(), 1);
+    EXPECT_EQ(doc.wordList.first()->text.size(), 3);
+}
+
+TEST(Document, PositionsCountUtf16Units)
+{
+    EXPECT_EQ(wordsOf(QStringLiteral(u"\U0001F6E9 B")), (Words{{"\U0001F6E9", 0}, {"B", 3}}));
+}
+
+TEST(Document, WordKnowsItsEnd)
+{
+    const AdexpDoc doc(QStringLiteral(" -TITLE IFPL"));
+    EXPECT_EQ(doc.wordList.at(0)->endPoint(), 7);
+    EXPECT_EQ(doc.wordList.at(1)->endPoint(), 12);
+    EXPECT_TRUE(doc.wordList.at(0)->isField());
+    EXPECT_FALSE(doc.wordList.at(1)->isField());
+}
+
+TEST(Document, StartsValidAtTheFirstWordAndWithoutRootAndHeader)
+{
+    const DiagnosticCapture diagnostics;
+    const AdexpDoc doc(QStringLiteral("-TITLE IFPL"));
+    EXPECT_TRUE(doc.isValid);
+    EXPECT_TRUE(doc.currWordListIt == doc.wordList.constBegin());
+    EXPECT_TRUE(doc.lastFieldWordListIt == doc.wordList.constBegin());
+    EXPECT_EQ(doc.rootField, nullptr);
+    EXPECT_EQ(doc.msgParam.title, QString());
+    EXPECT_EQ(doc.msgParam.rating, QString());
+    EXPECT_EQ(doc.msgParam.to, QString());
+    EXPECT_EQ(doc.msgParam.datatime, QString());
+    EXPECT_EQ(doc.msgParam.from, QString());
+    EXPECT_TRUE(diagnostics.lines().empty());
+}
+
+} // namespace

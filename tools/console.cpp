@@ -1,0 +1,70 @@
+#include "console.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+namespace {
+
+void appendEscape(std::string* out, unsigned char c)
+{
+    constexpr const char* HexDigits = "0123456789ABCDEF";
+    *out += '\\';
+    switch (c) {
+    case '\n':
+        *out += 'n';
+        break;
+    case '\r':
+        *out += 'r';
+        break;
+    case '\t':
+        *out += 't';
+        break;
+    default:
+        *out += 'x';
+        *out += HexDigits[c / 16];
+        *out += HexDigits[c % 16];
+    }
+}
+
+} // namespace
+
+std::string escaped(std::string_view text)
+{
+    constexpr unsigned char Delete = 0x7f;
+    std::string out;
+    out.reserve(text.size());
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte < ' ' || byte == Delete)
+            appendEscape(&out, byte);
+        else
+            out += c;
+    }
+    return out;
+}
+
+void printError(std::string_view subject, std::string_view text)
+{
+    const std::string line = escaped(subject) + ": " + escaped(text) + '\n';
+    std::fwrite(line.data(), 1, line.size(), stderr);
+}
+
+void StandardOutput::write(std::string_view text)
+{
+    if (m_error == 0 && std::fwrite(text.data(), 1, text.size(), stdout) != text.size())
+        m_error = errno;
+}
+
+bool StandardOutput::flush()
+{
+    if (m_error == 0 && std::fflush(stdout) != 0)
+        m_error = errno;
+    if (m_error == 0)
+        return true;
+    if (m_error != EPIPE)
+        printError(CommandName, std::string("standard output cannot be written: ") +
+                                    std::strerror(m_error) +
+                                    "; make room or choose another place, and try again");
+    return false;
+}

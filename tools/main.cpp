@@ -1,0 +1,74 @@
+// The command "adexp": converts messages, and shows how the library sees messages and rule sets.
+
+#include "commandline.h"
+#include "console.h"
+#include "convertcommand.h"
+#include "dumpcommand.h"
+#include "exitcodes.h"
+#include "treecommand.h"
+
+#include <CLI/CLI.hpp>
+
+#include <clocale>
+#include <csignal>
+#include <fcntl.h>
+#include <new>
+#include <unistd.h>
+
+namespace {
+
+// A file opened later must not become standard output or standard error because the caller closed
+// that one. Each is opened the wrong way round, so that using it stays an error.
+void fillClosedStandardStreams()
+{
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        if (fcntl(stream, F_GETFD) == -1)
+            open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+}
+
+void prepareProcess()
+{
+    fillClosedStandardStreams();
+    // A closed pipe and a reached file size limit shall be errors of writing.
+    std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
+    // The encoding of file names, for Qt 5. Qt 6 has UTF-8 always.
+    std::setlocale(LC_CTYPE, "");
+}
+
+ExitCode run(int argc, const char* const* argv)
+{
+    CLI::App app("Converts air-traffic messages in ADEXP to XML by rule files.", CommandName);
+    app.set_version_flag("--version", std::string(CommandName) + ' ' + ADEXP_VERSION,
+                         "Show the version");
+    app.require_subcommand(1);
+    addFooter(&app, "Example:\n  adexp convert plan.adexp > plan.xml\n");
+
+    ConvertOptions convertOptions;
+    TreeOptions treeOptions;
+    DumpOptions dumpOptions;
+    const CLI::App* const convert = addConvertCommand(&app, &convertOptions);
+    const CLI::App* const tree = addTreeCommand(&app, &treeOptions);
+    addDumpCommand(&app, &dumpOptions);
+
+    if (const std::optional<ExitCode> end = parseCommandLine(&app, argc, argv))
+        return *end;
+    if (convert->parsed())
+        return runConvert(convertOptions);
+    if (tree->parsed())
+        return runTree(treeOptions);
+    return runDump(dumpOptions);
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    prepareProcess();
+    try {
+        return static_cast<int>(run(argc, argv));
+    } catch (const std::bad_alloc&) {
+        printError(CommandName, "memory ran out; convert fewer or smaller messages");
+        return static_cast<int>(ExitCode::NotDone);
+    }
+}

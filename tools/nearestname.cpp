@@ -1,0 +1,40 @@
+#include "nearestname.h"
+
+#include <algorithm>
+#include <limits>
+#include <numeric>
+
+namespace {
+
+// Characters to insert, delete or replace to make b of a (Levenshtein distance), row by row.
+std::size_t editDistance(const std::string& a, const std::string& b)
+{
+    std::vector<std::size_t> row(b.size() + 1);
+    std::iota(row.begin(), row.end(), std::size_t{0});
+    for (std::size_t i = 1; i <= a.size(); ++i) {
+        std::size_t diagonal = row[0];
+        row[0] = i;
+        for (std::size_t j = 1; j <= b.size(); ++j) {
+            const std::size_t replaced = diagonal + (a[i - 1] == b[j - 1] ? 0 : 1);
+            diagonal = row[j];
+            row[j] = std::min({replaced, row[j] + 1, row[j - 1] + 1});
+        }
+    }
+    return row.back();
+}
+
+} // namespace
+
+std::string nearestName(const std::string& name, const std::vector<std::string>& known)
+{
+    std::string nearest;
+    std::size_t fewest = std::numeric_limits<std::size_t>::max();
+    for (const std::string& candidate : known) {
+        const std::size_t changes = editDistance(name, candidate);
+        if (changes < fewest) {
+            fewest = changes;
+            nearest = candidate;
+        }
+    }
+    return nearest;
+}

@@ -1,0 +1,82 @@
+#include "outputfile.h"
+
+#include <QFile>
+#include <QSaveFile>
+
+#include <csignal>
+#include <filesystem>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// Holds back the signals that ask the command to end. One that came meanwhile acts when the object
+// goes.
+class SignalsHeldBack
+{
+public:
+    SignalsHeldBack()
+    {
+        sigset_t asking;
+        sigemptyset(&asking);
+        for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT})
+            sigaddset(&asking, signal);
+        sigprocmask(SIG_BLOCK, &asking, &m_before);
+    }
+    ~SignalsHeldBack() { sigprocmask(SIG_SETMASK, &m_before, nullptr); }
+
+    SignalsHeldBack(const SignalsHeldBack&) = delete;
+    SignalsHeldBack& operator=(const SignalsHeldBack&) = delete;
+
+private:
+    sigset_t m_before;
+};
+
+bool isDeviceOrPipe(const std::string& path)
+{
+    std::error_code error;
+    const fs::file_status status = fs::status(path, error);
+    return fs::exists(status) && !fs::is_regular_file(status) && !fs::is_directory(status);
+}
+
+// Qt ends a write early, without an error, when only a part of it found room; the error shows when
+// the rest is written.
+bool writeWhole(QFileDevice* file, std::string_view data)
+{
+    while (!data.empty()) {
+        const qint64 written = file->write(data.data(), static_cast<qint64>(data.size()));
+        if (written <= 0)
+            return false;
+        data.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return file->flush();
+}
+
+std::string writeDirectly(const QString& name, std::string_view data)
+{
+    QFile file(name);
+    if (file.open(QIODevice::WriteOnly) && writeWhole(&file, data))
+        return {};
+    return file.errorString().toStdString();
+}
+
+std::string writeAndRename(const QString& name, std::string_view data)
+{
+    const SignalsHeldBack heldBack;
+    QSaveFile file(name);
+    if (file.open(QIODevice::WriteOnly) && writeWhole(&file, data) && file.commit())
+        return {};
+    return file.errorString().toStdString();
+}
+
+} // namespace
+
+std::string writeFile(const std::string& path, std::string_view data)
+{
+    const QString name = QFile::decodeName(path.c_str());
+    // Qt has names as Unicode text; another name than the one that was asked for must not be
+    // written.
+    if (QFile::encodeName(name) != path.c_str())
+        return "the name is not in the encoding of the locale";
+    return isDeviceOrPipe(path) ? writeDirectly(name, data) : writeAndRename(name, data);
+}

@@ -1,0 +1,34 @@
+#ifndef RULESET_H
+#define RULESET_H
+
+#include "exitcodes.h"
+
+#include <string>
+
+/// The settings path of the rule set that is compiled into the library.
+constexpr const char* BuiltInSettings = ":/adexp/adexp.ini";
+
+/// The rule set of the library, loaded as long as an object of this class lives. There may be one.
+class RuleSet
+{
+public:
+    /// Loads the rule set of the settings file @p settings. What is wrong with it goes to standard
+    /// error.
+    explicit RuleSet(const std::string& settings);
+
+    /// Unloads the rule set.
+    ~RuleSet();
+
+    RuleSet(const RuleSet&) = delete;
+    RuleSet& operator=(const RuleSet&) = delete;
+
+    /// WithDiagnostics if something was reported, NotDone if the rule set cannot be used.
+    ExitCode status() const { return m_status; }
+    /// False if the rule set cannot be used.
+    bool isLoaded() const { return m_status != ExitCode::NotDone; }
+
+private:
+    ExitCode m_status;
+};
+
+#endif
