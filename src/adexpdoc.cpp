@@ -1,30 +1,47 @@
 #include "adexpdoc.h"
 
 #include "diagnosticline.h"
+#include "largememory.h"
 #include "msgrule.h"
 
 #include <QObject>
 
 #include <algorithm>
 
-namespace
-{
+namespace {
 
 const char* const NullWord = "dw == 0";
 const char* const GetNextFieldSignature = "QString AdexpDoc::getNextField(int, int*)";
 const char* const SetIteratorSignature = "int AdexpDoc::setIteratorToNextField(int, int)";
 
-bool isSeparator(QChar c)
+// Between words. Without a branch, so that the compiler can look at many characters at once.
+constexpr bool isSeparator(QChar c)
 {
-    // Few characters pass the first comparison.
-    return c <= u' ' && (c == u' ' || c == u'\n' || c == u'\t');
+    return (c == u' ') | (c == u'\n') | (c == u'\t');
+}
+
+// The words that begin in the text: the characters of words that stand behind none. Counted in
+// blocks whose count fits into the width of a character, which makes the most of each step.
+int countWords(QStringView text)
+{
+    constexpr qsizetype blockSize = 4096;
+    int count = !text.isEmpty() && !isSeparator(text.front());
+    for (qsizetype begin = 1; begin < text.size(); begin += blockSize) {
+        const QChar* const in = text.data() + begin;
+        const qsizetype size = std::min(blockSize, text.size() - begin);
+        quint16 blockCount = 0;
+        for (qsizetype i = 0; i < size; ++i)
+            blockCount =
+                static_cast<quint16>(blockCount + (!isSeparator(in[i]) & isSeparator(in[i - 1])));
+        count += blockCount;
+    }
+    return count;
 }
 
 } // namespace
 
 AdexpDoc::AdexpDoc(const QString& text)
-    // Twenty bytes for each character is what the words and fields of most messages take.
-    : m_arena(std::min<size_t>(1024 + static_cast<size_t>(text.size()) * 20, 1 << 20))
+    : m_arena(m_firstMemory.data(), m_firstMemory.size(), LargeMemory::heap())
 {
     msgParam.text = text;
     msgParam.text.remove(u'\r');
@@ -36,17 +53,18 @@ void AdexpDoc::wordListSplit()
 {
     const QChar* const begin = msgParam.text.constData();
     const QChar* const end = begin + msgParam.text.size();
-    m_words.reserve(static_cast<size_t>(msgParam.text.size() / 6)); // about as many as there will be
-    for (const QChar* in = begin; in != end;) {
-        const QChar* const wordBegin = in;
+    const auto count = static_cast<size_t>(countWords(msgParam.text));
+    m_words.reserve(count);
+    wordList.resize(static_cast<int>(count));
+
+    const QChar* in = begin;
+    for (size_t i = 0; i < count; ++i) {
+        const QChar* const wordBegin = std::find_if_not(in, end, isSeparator);
+        in = wordBegin;
         while (in != end && !isSeparator(*in))
             ++in;
-        if (in != wordBegin)
-            m_words.push_back({QStringView(wordBegin, in), static_cast<int>(wordBegin - begin)});
-        while (in != end && isSeparator(*in))
-            ++in;
+        m_words.push_back({QStringView(wordBegin, in), static_cast<int>(wordBegin - begin)});
     }
-    wordList.resize(static_cast<int>(m_words.size()));
     std::transform(m_words.begin(), m_words.end(), wordList.begin(),
                    [](DocWord& word) { return &word; });
 }
@@ -193,8 +211,7 @@ QStringView AdexpDoc::getTextFromCurrentToPoint(int startPoint, int endPoint)
 {
     if (atEnd())
         return {};
-    const DocWord* const dw =
-        currentWord("QString AdexpDoc::getTextFromCurrentToPoint(int, int)");
+    const DocWord* const dw = currentWord("QString AdexpDoc::getTextFromCurrentToPoint(int, int)");
     if (!dw)
         return {};
     const int from = dw->beginPoint;
@@ -282,8 +299,8 @@ void AdexpDoc::report(const QString& message, QStringView detail)
 
 const QChar* AdexpDoc::nullTerminated(QStringView data)
 {
-    m_nullTerminated.clear();
-    m_nullTerminated.append(data.data(), static_cast<int>(data.size()));
-    m_nullTerminated.append(QChar());
+    m_nullTerminated.resize(static_cast<int>(data.size() + 1));
+    QChar* const end = std::copy(data.begin(), data.end(), m_nullTerminated.begin());
+    *end = QChar();
     return m_nullTerminated.constData();
 }

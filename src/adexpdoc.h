@@ -10,9 +10,11 @@
 #include <QVarLengthArray>
 #include <QVector>
 
-#include <deque>
+#include <array>
+#include <cstddef>
 #include <forward_list>
 #include <memory_resource>
+#include <new>
 #include <optional>
 #include <vector>
 
@@ -32,10 +34,10 @@ struct DocWord
 struct MsgParam
 {
     QString title;    ///< the word behind -TITLE
-    QString rating;   ///< the header values, written to the attributes of the same names
-    QString to;       ///<
-    QString datatime; ///<
-    QString from;     ///<
+    QString rating;   ///< written to the attribute of the same name, as are the next three
+    QString to;       ///< addressees
+    QString datatime; ///< date and time
+    QString from;     ///< sender
     QString text;     ///< the message without carriage returns
 };
 
@@ -43,7 +45,8 @@ struct MsgParam
 /// fields.
 ///
 /// All positions ("points") count UTF-16 units of the text without carriage returns, from 0. Words,
-/// field names and field data are views into that text; they and all fields live as long as the
+/// field names and field data are views into that text (a keyword put together from a lone hyphen
+/// and a word: into a copy that the document holds); they and all fields live as long as the
 /// document.
 class AdexpDoc
 {
@@ -54,8 +57,8 @@ public:
     AdexpDoc(const AdexpDoc&) = delete;
     AdexpDoc& operator=(const AdexpDoc&) = delete;
 
-    /// Finds "-TITLE", chooses the rule among @p rules (may be null, not owned) by the word behind it
-    /// and makes the root field over the rest of the message. Without "-TITLE" there is no root.
+    /// Finds "-TITLE", chooses the rule among @p rules (may be null, not owned) by the word behind
+    /// it and makes the root field over the rest of the message. Without "-TITLE" there is no root.
     /// Called again, it starts from the first word.
     void setRootField(const RuleList* rules);
 
@@ -99,9 +102,9 @@ public:
     int getLastDWTextEndPoint() const;
 
     /// Looks ahead for "-END" followed by @p blockName, without moving the cursor. Returns the
-    /// position behind the name, and in @p endWordPoint (may be null) that of the "-END" word; -1 if
-    /// it is not there. Blocks of the same name do not nest: the first "-END" counts. What is wrong
-    /// on the way is reported, here as well as when it is read.
+    /// position behind the name, and in @p endWordPoint (may be null) that of the "-END" word; -1
+    /// if it is not there. Blocks of the same name do not nest: the first "-END" counts. What is
+    /// wrong on the way is reported, here as well as when it is read.
     int searchEndBlock(QStringView blockName, int limit, int* endWordPoint);
 
     /// @}
@@ -111,12 +114,18 @@ public:
     /// Does exactly what addError() does.
     void addWarning(const QString& message, QStringView detail);
 
-    /// Makes a field that lives as long as the document.
-    template<typename... Args>
+    /// Makes a field that lives as long as the document. It is never destroyed, its memory just
+    /// goes away with the document's: an AdexpField holds nothing but views and memory of arena().
+    template <typename... Args>
     AdexpField* createField(Args&&... args)
     {
-        return &m_fields.emplace_back(std::forward<Args>(args)...);
+        ++m_fieldCount;
+        void* const memory = m_arena.allocate(sizeof(AdexpField), alignof(AdexpField));
+        return new (memory) AdexpField(std::forward<Args>(args)...);
     }
+
+    /// The number of fields made so far.
+    size_t fieldCount() const { return m_fieldCount; }
 
     /// The memory of the fields and what they hold; released with the document.
     std::pmr::memory_resource* arena() { return &m_arena; }
@@ -127,9 +136,9 @@ public:
     QVector<DocWord*> wordList;                            ///< the words in text order
     QVector<DocWord*>::const_iterator lastFieldWordListIt; ///< the word last taken by getNextField
     QVector<DocWord*>::const_iterator currWordListIt;      ///< the next word to be read
-    AdexpField* rootField = nullptr;                      ///< the root of the fields, or null
-    MsgParam msgParam;                                    ///< header values and text
-    bool isValid = true;                                  ///< nothing was reported so far
+    AdexpField* rootField = nullptr;                       ///< the root of the fields, or null
+    MsgParam msgParam;                                     ///< header values and text
+    bool isValid = true;                                   ///< nothing was reported so far
 
 private:
     void wordListSplit();
@@ -138,12 +147,15 @@ private:
     void reportLoneHyphen();
     void report(const QString& message, QStringView detail);
 
-    std::pmr::monotonic_buffer_resource m_arena;   // one heap object for most of what follows
-    std::pmr::vector<DocWord> m_words{&m_arena};   // what wordList points to
-    std::optional<EndBlockIndex> m_endBlocks;      // made by the first searchEndBlock()
-    std::forward_list<QString> m_joinedWords;      // keywords put together from hyphen and word
-    QVarLengthArray<QChar, 128> m_nullTerminated;  // the copy of nullTerminated()
-    std::pmr::deque<AdexpField> m_fields{&m_arena}; // every field of the conversion
+    // Words and fields, and what they hold, come from here and go away together: fields are not
+    // destroyed one by one. The first bytes serve a usual message without any memory of the heap.
+    alignas(std::max_align_t) std::array<std::byte, 24576> m_firstMemory;
+    std::pmr::monotonic_buffer_resource m_arena;
+    std::pmr::vector<DocWord> m_words{&m_arena};  // what wordList points to
+    std::optional<EndBlockIndex> m_endBlocks;     // made by the first searchEndBlock()
+    std::forward_list<QString> m_joinedWords;     // keywords put together from hyphen and word
+    QVarLengthArray<QChar, 128> m_nullTerminated; // the copy of nullTerminated()
+    size_t m_fieldCount = 0;
 };
 
 #endif

@@ -10,8 +10,7 @@
 
 #include <algorithm>
 
-namespace
-{
+namespace {
 
 constexpr QStringView LoopDetected = u"loop detected in the AdexpField";
 
@@ -27,13 +26,23 @@ struct AdexpField::Block
 };
 
 AdexpField::AdexpField(AdexpDoc* document, QStringView name, TermStd* term)
-    : doc(document), fieldTerm(term), parentField(nullptr), subFields(doc->arena()), fieldName(name),
-      endBlockPoint(static_cast<int>(document->msgParam.text.size())), endTextPoint(endBlockPoint)
-{}
+    : doc(document),
+      fieldTerm(term),
+      parentField(nullptr),
+      subFields(doc->arena()),
+      fieldName(name),
+      endBlockPoint(static_cast<int>(document->msgParam.text.size())),
+      endTextPoint(endBlockPoint)
+{
+}
 
 AdexpField::AdexpField(AdexpField* parent, TermStd* term, QStringView name, int blockLimit,
                        int textLimit)
-    : doc(parent->doc), fieldTerm(term), parentField(parent), subFields(doc->arena()), fieldName(name),
+    : doc(parent->doc),
+      fieldTerm(term),
+      parentField(parent),
+      subFields(doc->arena()),
+      fieldName(name),
       endBlockPoint(blockLimit == -1 ? parent->endBlockPoint : blockLimit),
       endTextPoint(blockLimit == -1 ? parent->endTextPoint : textLimit)
 {
@@ -51,7 +60,8 @@ AdexpField::AdexpField(AdexpField* parent, TermStd* term, QStringView name, int 
 
 AdexpField::AdexpField(AdexpField* parent, QStringView name)
     : doc(parent->doc), parentField(parent), subFields(doc->arena()), fieldName(name)
-{}
+{
+}
 
 void AdexpField::subFieldsListAppend(AdexpField* sub)
 {
@@ -196,10 +206,8 @@ void AdexpField::parseKnownField(TermStd* term, QStringView name, int fieldPos, 
 void AdexpField::parseUnknownField(QStringView name, int fieldPos, const Block& block)
 {
     AdexpField* const sub = doc->createField(this, name);
-    doc->addError(QObject::tr("rule %1 for %2 not found")
-                      .arg(name.toString())
-                      .arg(fieldName.toString()),
-                  {});
+    doc->addError(
+        QObject::tr("rule %1 for %2 not found").arg(name.toString()).arg(fieldName.toString()), {});
     sub->fieldBegin = fieldPos;
     if (block.isList()) {
         doc->currWordListIt = doc->lastFieldWordListIt;
@@ -342,8 +350,8 @@ void AdexpField::dumpData() const
     writeLine(line);
     if (subFields.empty())
         return;
-    const QString marked = QLatin1String(" sub fields for ") + fieldName.toString() +
-                           QLatin1String(" ++");
+    const QString marked =
+        QLatin1String(" sub fields for ") + fieldName.toString() + QLatin1String(" ++");
     writeLine(indent + QLatin1String("++ Begin") + marked);
     {
         const QScopedValueRollback<int> deeper(tabCount, tabCount + 1);

@@ -14,7 +14,7 @@ class XmlWriter;
 /// field that matched no definition and is kept as text.
 ///
 /// Name and data are views into the text of the document, which also holds every field of a
-/// conversion: destroying a field releases only its own members.
+/// conversion: no field owns its sub-fields.
 class AdexpField
 {
 public:
@@ -43,8 +43,8 @@ public:
     /// Marks the data of this field and all below as not fetched.
     void clearAlreadyDBBeenProcessed();
 
-    /// The data of the field; for a compound, a text composed of its sub-fields. @p isSimple (may be
-    /// null) receives true for the field's own data, false for a composed text.
+    /// The data of the field; for a compound, a text composed of its sub-fields. @p isSimple (may
+    /// be null) receives true for the field's own data, false for a composed text.
     QString getData(bool* isSimple);
 
     /// Writes the field and all below as an element of @p writer's current element. A field without
@@ -54,21 +54,21 @@ public:
     /// Writes the tree below the field to Qt's debug output, a line per field, indented by depth.
     void dumpData() const;
 
-    int fieldBegin = -1;            ///< position of the keyword; of a block: of "-BEGIN"; -1: unset
-    int fieldEnd = -1;              ///< position behind the last word; -1: unset
-    AdexpDoc* doc;                  ///< the document
-    TermStd* fieldTerm = nullptr;   ///< the definition, not owned; null: unknown field
-    AdexpField* parentField;        ///< null for the root
+    int fieldBegin = -1;          ///< position of the keyword; of a block: of "-BEGIN"; -1: unset
+    int fieldEnd = -1;            ///< position behind the last word; -1: unset
+    AdexpDoc* doc;                ///< the document
+    TermStd* fieldTerm = nullptr; ///< the definition, not owned; null: unknown field
+    AdexpField* parentField;      ///< null for the root
     std::pmr::vector<AdexpField*> subFields; ///< in text order; all held by the document
-    QStringView fieldData;          ///< the field's own data
-    QStringView fieldName;          ///< keyword without hyphen; block name; title
-    int endBlockPoint = 0;          ///< no field word behind it belongs to this field
-    int endTextPoint = 0;           ///< limit of the data, at most endBlockPoint
-    bool isList = false;            ///< a block
-    bool dataReady = false;         ///< getData() has been called
-    bool inGetData = false;         ///< guard of getData() and clearAlreadyDBBeenProcessed()
-    int itemCount = 0;              ///< in a list: number of the item last opened, from 1
-    int itemIndex = 0;              ///< number of the item of the list that this field belongs to
+    QStringView fieldData;                   ///< the field's own data
+    QStringView fieldName;                   ///< keyword without hyphen; block name; title
+    int endBlockPoint = 0;                   ///< no field word behind it belongs to this field
+    int endTextPoint = 0;                    ///< limit of the data, at most endBlockPoint
+    bool isList = false;                     ///< a block
+    bool dataReady = false;                  ///< getData() has been called
+    bool inGetData = false; ///< guard of getData() and clearAlreadyDBBeenProcessed()
+    int itemCount = 0;      ///< in a list: number of the item last opened, from 1
+    int itemIndex = 0;      ///< number of the item of the list that this field belongs to
 
 private:
     enum class Next { Continue, Stop }; // what parse() does after a field word

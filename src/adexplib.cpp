@@ -2,17 +2,18 @@
 
 #include "adexp.h"
 #include "diagnosticline.h"
+#include "largememory.h"
 #include "mainclass.h"
 
 #include <QSettings>
 
 #include <climits>
 #include <cstring>
+#include <new>
 
 MainClass* mc = nullptr;
 
-namespace
-{
+namespace {
 
 // What init_adexp returns.
 enum InitResult { Loaded = 0, SettingsUnreadable = 1, RulesUnreadable = 2 };
@@ -63,6 +64,7 @@ const char* copyForCaller(const QByteArray& xml, unsigned int* outLength)
     if (size > UINT_MAX) // outLength could not tell it
         throw std::bad_alloc();
     char* const result = new char[size + 1];
+    LargeMemory::advise(result, size);
     std::memcpy(result, xml.constData(), size);
     result[size] = '\0';
     if (outLength)

@@ -5,12 +5,11 @@
 
 #include <array>
 
-/// The character classes of ADEXP as bits, for the standard terms and the word splitter.
+/// The character classes of ADEXP as bits, for the standard terms.
 ///
-/// Characters below 128 are looked up in a table, as nearly all of a message consists of them; the
-/// others are asked of Qt's Unicode tables, which also made the definitions below.
-namespace CharClass
-{
+/// Characters below 128, of which nearly all of a message consists, are looked up in a table; Qt's
+/// Unicode tables are asked about the others.
+namespace CharClass {
 
 enum Bit : unsigned char {
     Upper = 1,   ///< upper-case letter of any script

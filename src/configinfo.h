@@ -32,7 +32,8 @@ public:
     /// The place alone: "file simple.xml line 12, column 5".
     QString xmlErrorHeadShort() const;
 
-    /// Name and place, the beginning of a report: "element (FL) file simple.xml line 12, column 5: ".
+    /// Name and place, the beginning of a report: "element (FL) file simple.xml line 12, column 5:
+    /// ".
     QString xmlErrorHead() const;
 };
 

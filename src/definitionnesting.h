@@ -8,7 +8,6 @@
 
 #include <vector>
 
-
 /// Tells how deep definitions nest, brackets and references to other definitions taken together.
 ///
 /// Checking and matching go from term to term by calls, so a chain of definitions as long as a file
@@ -20,8 +19,8 @@ public:
     /// Looks names up in @p terms (not null, not owned), which must stay.
     explicit DefinitionNesting(const TermList* terms);
 
-    /// The levels of calls that @p term (not null) takes: 0 for a standard term. A reference back to
-    /// a definition that is still being counted (a loop, which the check reports) counts as 0.
+    /// The levels of calls that @p term (not null) takes: 0 for a standard term. A reference back
+    /// to a definition that is still being counted (a loop, which the check reports) counts as 0.
     int depthOf(const TermStd* term);
 
 private:

@@ -8,7 +8,8 @@
 ///
 /// Every item is followed by one blank, the last one included; a quoted item stands between double
 /// quotes with nothing in it escaped. Scripts read these lines, and QDebug does not keep their form
-/// over the Qt versions (it escapes quotes and drops the last blank), therefore they are built here.
+/// over the Qt versions (it escapes quotes and drops the last blank), therefore they are built
+/// here.
 class DiagnosticLine
 {
 public:
@@ -28,8 +29,8 @@ public:
     /// Hands the line to Qt's message output in the default category.
     void send() const;
 
-    /// Sends the critical line of a broken invariant: the full signature of the operation that found
-    /// it, then the condition that failed.
+    /// Sends the critical line of a broken invariant: the full signature of the operation that
+    /// found it, then the condition that failed.
     static void internalError(const char* signature, const char* condition);
 
 private:

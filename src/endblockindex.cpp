@@ -35,7 +35,8 @@ EndBlockIndex::EndBlockIndex(const QVector<DocWord*>* words, std::pmr::memory_re
     });
 }
 
-// What a look ahead makes of the field word. An end or a hyphen that the text ends behind is nothing.
+// What a look ahead makes of the field word. An end or a hyphen that the text ends behind is
+// nothing.
 EndBlockIndex::Kind EndBlockIndex::kindOf(int index, unsigned char* nameOffset) const
 {
     const auto at = [this](int i) { return i < m_words->size() ? word(i) : nullptr; };
@@ -96,11 +97,11 @@ EndBlockIndex::Result EndBlockIndex::search(int cursor, QStringView name, int li
     }
     // From there on the way is the same for all.
     if (end == m_fields.size()) {
-        const auto found = std::lower_bound(
-            m_ends.cbegin(), m_ends.cend(), field, [this, name](size_t candidate, size_t from) {
-                const int order = nameOf(candidate).compare(name);
-                return order != 0 ? order < 0 : candidate < from;
-            });
+        const auto found = std::lower_bound(m_ends.cbegin(), m_ends.cend(), field,
+                                            [this, name](size_t candidate, size_t from) {
+                                                const int order = nameOf(candidate).compare(name);
+                                                return order != 0 ? order < 0 : candidate < from;
+                                            });
         if (found != m_ends.cend() && nameOf(*found) == name)
             end = *found;
     }

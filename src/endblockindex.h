@@ -11,11 +11,12 @@ struct DocWord;
 
 /// Finds the end of a block without reading the message again for each "-BEGIN".
 ///
-/// Looking ahead reads field after field and takes the word behind each "-END" as its name, so where
-/// it passes depends on where it starts: in "-END -END A" the second word is a name for who starts at
-/// the first word, and an end of its own for who starts at the second. But that only matters inside a
-/// run of ends that are names as well; from the end of the run on, all ways are one. The index holds
-/// the ends on that one way by name, and search() walks through the run in which it starts.
+/// Looking ahead reads field after field and takes the word behind each "-END" as its name, so
+/// where it passes depends on where it starts: in "-END -END A" the second word is a name for who
+/// starts at the first word, and an end of its own for who starts at the second. But that only
+/// matters inside a run of ends that are names as well; from the end of the run on, all ways are
+/// one. The index holds the ends on that one way by name, and search() walks through the run in
+/// which it starts.
 class EndBlockIndex
 {
 public:
@@ -43,8 +44,8 @@ private:
     // A word that begins with a hyphen.
     struct FieldWord
     {
-        int word;         // its index
-        int runStart;     // first of the ends right before it of which each is the name of the last
+        int word;     // its index
+        int runStart; // first of the ends right before it of which each is the name of the last
         unsigned char nameOffset; // of an end: from its index to that of its name
         Kind kind;
     };

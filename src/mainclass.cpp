@@ -5,6 +5,7 @@
 #include "diagnosticline.h"
 #include "msgrule.h"
 #include "termexpression.h"
+#include "xmlnesting.h"
 
 #include <QDomDocument>
 #include <QFile>
@@ -12,8 +13,7 @@
 
 #include <memory>
 
-namespace
-{
+namespace {
 
 // The reports begin with the full signature of the operation, as users' scripts know it.
 void report(const char* signature, const QString& text)
@@ -64,8 +64,8 @@ QString MainClass::getPathFromSettings(const QSettings* settings, const QString&
 
 bool MainClass::readSettingsRules(QSettings* settings)
 {
-    // Simple terms are checked before any field is there, so they cannot refer to fields. The fields
-    // of both files are checked together, so they can refer to each other.
+    // Simple terms are checked before any field is there, so they cannot refer to fields. The
+    // fields of both files are checked together, so they can refer to each other.
     settings->beginGroup(QStringLiteral("rules"));
     const auto path = [settings](const char* key) {
         return getPathFromSettings(settings, QLatin1String(key));
@@ -91,20 +91,25 @@ bool MainClass::ruleDomDocumentsetContent(const QString& path, QDomDocument* doc
     }
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
-        report(Signature,
-               tr("can not open file ") + path + tr(" for read: ") + file.errorString());
+        report(Signature, tr("can not open file ") + path + tr(" for read: ") + file.errorString());
         return false;
     }
-    QString error;
-    int line = 0;
-    int column = 0;
-    if (!document->setContent(&file, true, &error, &line, &column)) {
+    const auto reportParseError = [](qint64 line, qint64 column, const QString& error) {
         // Nothing stands between column and error text; this is meant.
         report(Signature, tr("Parse error at line ") + QString::number(line) + tr(", column ") +
                               QString::number(column) + error);
         return false;
-    }
-    return true;
+    };
+    const QByteArray content = file.readAll();
+    if (const auto place = XmlNesting::tooDeepElement(content))
+        return reportParseError(
+            place->line, place->column,
+            tr("elements are nested deeper than %1 levels").arg(XmlNesting::MaxDepth));
+    QString error;
+    int line = 0;
+    int column = 0;
+    return document->setContent(content, true, &error, &line, &column) ||
+           reportParseError(line, column, error);
 }
 
 bool MainClass::readTermsXMLFile(const QString& path, const QString& recordTag, bool containsField)
@@ -130,8 +135,7 @@ void MainClass::readTermRecord(const QDomElement& element, const QString& record
     if (element.tagName() != recordTag) {
         // The head is that of the last record with the right tag, unlike in the message rules; this
         // is meant.
-        report(ReadTermsSignature,
-               item->xmlErrorHead() + tr("bad tag name ") + element.tagName());
+        report(ReadTermsSignature, item->xmlErrorHead() + tr("bad tag name ") + element.tagName());
         return;
     }
     setItem(item, element, QStringLiteral("name"), QStringLiteral("term"));
@@ -173,8 +177,8 @@ void MainClass::readMsgRuleRecord(const QDomElement& element, ConfigInfo* item)
 {
     if (isDisabled(element))
         return;
-    // Before the tag is looked at: a misnamed record is reported at its own place, unlike in the term
-    // files, and this is meant.
+    // Before the tag is looked at: a misnamed record is reported at its own place, unlike in the
+    // term files, and this is meant.
     setItem(item, element, QStringLiteral("title"), QStringLiteral("fields"));
     const auto reportRecord = [item](const QString& text) {
         report(ReadMsgRulesSignature, item->xmlErrorHead() + text);
@@ -195,7 +199,7 @@ void MainClass::readMsgRuleRecord(const QDomElement& element, ConfigInfo* item)
         return;
     }
     msgRules.append(rule.get());
-    rule.release();
+    static_cast<void>(rule.release()); // only now, since append() may throw
 }
 
 void MainClass::termsList_checkConfig()

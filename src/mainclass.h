@@ -36,8 +36,8 @@ public:
     bool ruleDomDocumentsetContent(const QString& path, QDomDocument* document);
 
     /// Loads the term definitions of the file @p path; its records have the tag @p recordTag, and
-    /// their terms define fields if @p containsField is set. False if the file cannot be read; a bad
-    /// record is reported and skipped.
+    /// their terms define fields if @p containsField is set. False if the file cannot be read; a
+    /// bad record is reported and skipped.
     bool readTermsXMLFile(const QString& path, const QString& recordTag, bool containsField);
 
     /// Loads the message rules of the file @p path. False if the file cannot be read; a bad rule is
@@ -47,14 +47,15 @@ public:
     /// Checks every term that was not checked before, and removes those that cannot be used.
     void termsList_checkConfig();
 
-    /// The first term of @p list, in load order, with the record name @p name; null if there is none.
+    /// The first term of @p list, in load order, with the record name @p name; null if there is
+    /// none.
     static TermStd* termsList_search(const TermList* list, const QString& name);
 
     /// Converts one message. Returns the document as UTF-8, empty if there is none.
     QByteArray charAdexpToCharXml(const QString& text);
 
-    TermList termsList;       ///< the named terms of the three term files, in load order
-    RuleList msgRules;        ///< the message rules in file order
+    TermList termsList; ///< the named terms of the three term files, in load order
+    RuleList msgRules;  ///< the message rules in file order
 
 private:
     void readTermRecord(const QDomElement& element, const QString& recordTag, bool containsField,

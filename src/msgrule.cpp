@@ -22,7 +22,10 @@ bool MsgRule::isContainsCompoundField() const
 
 QByteArray MsgRule::toXMLString(AdexpDoc* doc) const
 {
-    XmlWriter writer(doc->msgParam.text.size());
+    // The text stands in the document twice, and 150 bytes are what a field takes with its tags. In
+    // a message that is full of characters to be escaped the buffer grows.
+    const auto fields = static_cast<qsizetype>(doc->fieldCount());
+    XmlWriter writer(1024 + 2 * doc->msgParam.text.size() + 150 * fields);
     packDoc(doc, &writer);
     return writer.takeDocument();
 }

@@ -14,17 +14,10 @@ class TermStd;
 ///
 /// Does not own the items. The name of an item must not change while it is in the list: the index,
 /// which keeps loading linear in the number of definitions, refers to it.
-template<typename Item>
+template <typename Item>
 class NamedList
 {
 public:
-    NamedList() = default;
-    NamedList(std::initializer_list<Item*> items)
-    {
-        for (Item* item : items)
-            append(item);
-    }
-
     /// Adds @p item (not null) at the end.
     void append(Item* item)
     {
@@ -40,7 +33,7 @@ public:
     /// Goes through the list and takes out each item for which @p keep(item) is false. An item that
     /// was taken out is not found any more by the calls of @p keep that follow. Returns the items
     /// taken out.
-    template<typename Keep>
+    template <typename Keep>
     QList<Item*> takeUnless(Keep keep)
     {
         QList<Item*> kept;
@@ -58,7 +51,6 @@ public:
         return taken;
     }
 
-    bool isEmpty() const { return m_items.isEmpty(); }
     qsizetype size() const { return m_items.size(); }
     Item* at(qsizetype index) const { return m_items.at(static_cast<int>(index)); }
     typename QList<Item*>::const_iterator begin() const { return m_items.cbegin(); }

@@ -9,6 +9,17 @@
 #include <algorithm>
 #include <memory>
 
+namespace {
+
+// True for the characters that no word of an expression holds. Texts of records may hold any white
+// space, before it is simplified to blanks.
+bool endsWord(QChar c)
+{
+    return c.isSpace() || QStringView(u"|!+'([{").contains(c);
+}
+
+} // namespace
+
 TermExpression::TermExpression(const ConfigInfo* record, int nesting)
     : TermStd(record), m_nesting(nesting)
 {
@@ -142,6 +153,19 @@ int TermExpression::real_parse(const QChar* data)
     return isChoice() ? parse_by_operator_or(data) : parse_by_operator_and(data);
 }
 
+// What stands behind references without a repeat count of their own: a check has resolved them, and
+// has refused loops.
+TermStd* TermExpression::referredTerm(TermStd* term)
+{
+    while (term->type() == TermTypeVariable && term->bracketType != BracketRepeat) {
+        TermStd* const next = static_cast<const TermVariable*>(term)->simpleTerm;
+        if (!next)
+            break;
+        term = next;
+    }
+    return term;
+}
+
 const std::vector<TermExpression::Step>& TermExpression::steps() const
 {
     if (m_steps.size() != static_cast<size_t>(ExprList.size()))
@@ -154,7 +178,8 @@ void TermExpression::updateSteps() const
     m_steps.clear();
     m_steps.reserve(static_cast<size_t>(ExprList.size()));
     for (TermStd* term : ExprList)
-        m_steps.push_back({firstCharsOf(term), term, term->isRequired(), term->isSeparator()});
+        m_steps.push_back(
+            {firstCharsOf(term), referredTerm(term), term->isRequired(), term->isSeparator()});
 }
 
 int TermExpression::parse_by_operator_or(const QChar* data) const
@@ -188,8 +213,8 @@ int TermExpression::parse_by_operator_and(const QChar* data) const
         pos += matched;
     }
     // The text is used up: what is left must not be required. Separators never are.
-    const bool complete = std::all_of(
-        step, end, [](const Step& left) { return left.isSeparator || !left.required; });
+    const bool complete =
+        std::all_of(step, end, [](const Step& left) { return left.isSeparator || !left.required; });
     return complete ? pos : 0;
 }
 
@@ -245,8 +270,8 @@ TermStd* TermExpression::append_expression(const ConfigInfo* record, bool forceU
             .send();
         return nullptr;
     }
-    if (!forceUnwrap && (single->bracketType != BracketNone || single->minRepeat != -1 ||
-                         single->maxRepeat != -1))
+    if (!forceUnwrap &&
+        (single->bracketType != BracketNone || single->minRepeat != -1 || single->maxRepeat != -1))
         return expression.release();
     expression->erase_first_term();
     return single;
@@ -254,13 +279,17 @@ TermStd* TermExpression::append_expression(const ConfigInfo* record, bool forceU
 
 TermStd* TermExpression::isStdTerm(const ConfigInfo* record) const
 {
-    static constexpr struct {
+    static constexpr struct
+    {
         const char* keyword;
         TermType kind;
     } Keywords[] = {
-        {"CHARACTER", TermTypeCharacter}, {"ALPHANUM", TermTypeAlphanum},
-        {"ALPHA", TermTypeAlpha},         {"DIGIT", TermTypeDigit},
-        {"LIM_CHAR", TermTypeLimChar},    {"SEP", TermTypeSep},
+        {"CHARACTER", TermTypeCharacter},
+        {"ALPHANUM", TermTypeAlphanum},
+        {"ALPHA", TermTypeAlpha},
+        {"DIGIT", TermTypeDigit},
+        {"LIM_CHAR", TermTypeLimChar},
+        {"SEP", TermTypeSep},
         {"NIL", TermTypeNil},
     };
     for (const auto& entry : Keywords) {
@@ -337,11 +366,17 @@ bool TermExpression::compileTerms(QString* pendingWord)
             readBlank(pendingWord);
             break;
         default:
-            pendingWord->append(*parsePos);
-            ++parsePos;
+            readWord(pendingWord);
         }
     }
     return true;
+}
+
+void TermExpression::readWord(QString* pendingWord)
+{
+    const QChar* const begin = parsePos;
+    parsePos = std::find_if(parsePos, textEnd(), endsWord);
+    pendingWord->append(begin, static_cast<int>(parsePos - begin));
 }
 
 bool TermExpression::compileLiteral(QString* pendingWord)
@@ -376,9 +411,7 @@ bool TermExpression::compileGroup(QChar open, QString* pendingWord)
     // This is meant.
     append_operator(inner);
     const ConfigInfo record = recordWithText(inner.toUpper());
-    TermStd* term = isStdTerm(&record);
-    if (!term)
-        term = append_expression(&record, false, m_nesting + 1);
+    TermStd* const term = compilePart(&record);
     if (!term)
         return false;
     term->bracketType = bracket;
@@ -386,6 +419,21 @@ bool TermExpression::compileGroup(QChar open, QString* pendingWord)
         term->setRepeatCount(minCount, maxCount);
     ExprList.append(term);
     return true;
+}
+
+// The term for what stands in brackets; null after a report.
+TermStd* TermExpression::compilePart(const ConfigInfo* record) const
+{
+    if (TermStd* const standard = isStdTerm(record))
+        return standard;
+    // A single word becomes the same as by the way below. Rules are full of such parts ("[RFL]"),
+    // and without an expression made and unmade for each the embedded rules load in 3/4 of the
+    // time.
+    const QString& text = record->ruleText;
+    const bool isWord = std::none_of(text.cbegin(), text.cend(), endsWord);
+    if (isWord && m_nesting < MaxNesting)
+        return new TermVariable(record);
+    return append_expression(record, false, m_nesting + 1);
 }
 
 bool TermExpression::readOperator(QString* pendingWord)
@@ -475,8 +523,8 @@ bool TermExpression::collectPart(QChar open, QChar close, QString* inner)
 {
     const QChar* const begin = parsePos + 1;
     const QChar* end = begin;
-    // Of quotes the first one closes, as open and close are the same. Only brackets of the same kind
-    // count.
+    // Of quotes the first one closes, as open and close are the same. Only brackets of the same
+    // kind count.
     for (int depth = 0; end != textEnd(); ++end) {
         if (*end == close && depth-- == 0)
             break;
@@ -509,8 +557,8 @@ int TermExpression::readMaxCount()
     const QChar* end = begin;
     while (end != textEnd() && *end >= u'0' && *end <= u'9')
         ++end;
-    const bool isCount = begin != end && (end == textEnd() ||
-                                          QStringView(u" !|+'{([").contains(*end));
+    const bool isCount =
+        begin != end && (end == textEnd() || QStringView(u" !|+'{([").contains(*end));
     if (!isCount)
         return -1;
     parsePos = end;
@@ -533,8 +581,11 @@ void TermExpression::append_operator(const QString& nextTermText)
     if (nextTermText.isEmpty() || nextTermText == QLatin1String("SEP") ||
         ExprList.last()->isSeparator())
         return;
-    ConfigInfo record; // stands nowhere in the rule files
-    record.ruleText = QStringLiteral("AUTOSEP");
+    static const ConfigInfo record = [] {
+        ConfigInfo nowhere; // it stands nowhere in the rule files
+        nowhere.ruleText = QStringLiteral("AUTOSEP");
+        return nowhere;
+    }();
     ExprList.append(new TermStd(TermTypeSep, &record));
     OperatorsList.append(u'!');
 }

@@ -15,13 +15,14 @@
 ///     2{ALPHA}3 '/' (DIGIT | REF)
 ///
 /// has words (a standard term or the name of another term), literals between apostrophes, groups in
-/// round (required), square (optional) and curly brackets (repeated, with an optional minimum before
-/// and maximum behind), and the operators `|` (choice), `!` (follows at once) and `+`, blank or
-/// nothing (follows behind white space). Where white space may stand a SEP term is inserted, so the
-/// compiled form knows only two operators, and only one kind of them in one expression: it is a
+/// round (required), square (optional) and curly brackets (repeated, with an optional minimum
+/// before and maximum behind), and the operators `|` (choice), `!` (follows at once) and `+`, blank
+/// or nothing (follows behind white space). Where white space may stand a SEP term is inserted, so
+/// the compiled form knows only two operators, and only one kind of them in one expression: it is a
 /// sequence ("!") or a choice ("|"). Brackets become nested expressions.
 ///
-/// Matching is greedy and never goes back: each term takes what it can, the longest alternative wins.
+/// Matching is greedy and never goes back: each term takes what it can, the longest alternative
+/// wins.
 class TermExpression : public TermStd
 {
 public:
@@ -55,9 +56,9 @@ public:
 
     QString dumpData(bool topLevel) const override;
 
-    /// The first term, depth first, whose own text (name, literal, keyword or expression: any kind of
-    /// term counts, and this is meant) equals @p name. Nested brackets are searched, references are
-    /// not followed. The terms must not change any more after the first call.
+    /// The first term, depth first, whose own text (name, literal, keyword or expression: any kind
+    /// of term counts, and this is meant) equals @p name. Nested brackets are searched, references
+    /// are not followed. The terms must not change any more after the first call.
     TermStd* search_TermField(QStringView name) const override;
 
     bool isContainsField() const override;
@@ -72,8 +73,8 @@ public:
     /// Matches the terms one after another.
     int parse_by_operator_and(const QChar* data) const;
 
-    /// The standard term that the whole rule text of @p record names (exactly), owned by the caller;
-    /// null if it is none of the seven.
+    /// The standard term that the whole rule text of @p record names (exactly), owned by the
+    /// caller; null if it is none of the seven.
     TermStd* isStdTerm(const ConfigInfo* record) const;
 
     /// The first term, or null. It stays owned by the expression.
@@ -95,8 +96,10 @@ public:
 private:
     void fullExprList();
     bool compileTerms(QString* pendingWord);
+    void readWord(QString* pendingWord);
     bool compileLiteral(QString* pendingWord);
     bool compileGroup(QChar open, QString* pendingWord);
+    TermStd* compilePart(const ConfigInfo* record) const;
     bool readOperator(QString* pendingWord);
     void readBlank(QString* pendingWord);
     bool isComplete(QString* pendingWord);
@@ -122,6 +125,7 @@ private:
         bool isSeparator;
     };
 
+    static TermStd* referredTerm(TermStd* term);
     const std::vector<Step>& steps() const;
     void updateSteps() const;
     void collectFirstChars();

@@ -35,10 +35,10 @@ int TermSimple::real_parse(const QChar* data)
     // The null that ends the data differs from every character of the literal, so this never reads
     // beyond it.
     const QChar* const literal = ExprRuleStr.constData();
-    const auto length = ExprRuleStr.size();
-    for (auto i = length - length; i < length; ++i) {
+    const auto length = static_cast<int>(ExprRuleStr.size());
+    for (int i = 0; i < length; ++i) {
         if (literal[i] != data[i])
             return 0;
     }
-    return static_cast<int>(length);
+    return length;
 }

@@ -7,13 +7,14 @@
 class TermSimple : public TermStd
 {
 public:
-    /// The literal is the rule text of @p record (not null, copied) with its white space simplified.
+    /// The literal is the rule text of @p record (not null, copied) with its white space
+    /// simplified.
     explicit TermSimple(const ConfigInfo* record);
 
     int type() const override;
 
-    /// The literal's length in UTF-16 units. Unlike in the other terms the repeat count always takes
-    /// part, whatever @p withRepeat says; this is meant.
+    /// The literal's length in UTF-16 units. Unlike in the other terms the repeat count always
+    /// takes part, whatever @p withRepeat says; this is meant.
     int calculateOfLengthData(bool withRepeat) const override;
 
     /// False, after a report, for an empty literal.

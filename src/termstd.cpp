@@ -7,8 +7,7 @@
 
 using CharClass::isAny;
 
-namespace
-{
+namespace {
 
 constexpr unsigned LimCharBits =
     CharClass::Upper | CharClass::Digit | CharClass::Space | CharClass::Special;
@@ -82,7 +81,8 @@ bool TermStd::check_config(const TermList*)
 
 bool TermStd::isCharacterNoLimit()
 {
-    return bracketType == BracketRepeat && stdType == TermTypeCharacter && maxRepeat == RepeatNoLimit;
+    return bracketType == BracketRepeat && stdType == TermTypeCharacter &&
+           maxRepeat == RepeatNoLimit;
 }
 
 TermStd* TermStd::search_TermField(QStringView) const

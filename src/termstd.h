@@ -112,8 +112,9 @@ public:
     /// Counts that make no sense are reported and corrected, the term stays valid.
     void setRepeatCount(int min, int max);
 
-    /// What isContainsCompoundField() and isCharacterNoLimit() say together. The answer of a checked
-    /// term is kept, as it does not change any more and every field of a message asks for it.
+    /// What isContainsCompoundField() and isCharacterNoLimit() say together. The answer of a
+    /// checked term is kept, as it does not change any more and every field of a message asks for
+    /// it.
     FieldKind fieldKind();
 
     /// True if the term must match something where it stands.
@@ -164,10 +165,11 @@ protected:
     /// firstChars of another term.
     static const FirstChars& firstCharsOf(const TermStd* term) { return term->firstChars; }
 
-    /// @p length times maxRepeat for a term in braces (RepeatNoLimit without limit), else @p length.
+    /// @p length times maxRepeat for a term in braces (RepeatNoLimit without limit), else @p
+    /// length.
     int lengthTimesMaxRepeat(int length) const;
 
-public:
+public:                  // members again: behind what matching looks at
     ConfigInfo config;   ///< the record that the term comes from
     QString ExprRuleStr; ///< the term's own text: keyword, literal, name or expression
 };

@@ -1,16 +1,21 @@
 #include "termvariable.h"
 
 #include "diagnosticline.h"
-#include "termexpression.h"
 
 #include <QObject>
 #include <QScopedValueRollback>
 
-namespace
-{
+namespace {
 
 const char* const NotResolved = "simpleTerm == 0";
 const char* const Loop = "loop detected in the variables";
+
+// Definitions that nest too deep are not checked at all (DefinitionNesting), but in a tangle of
+// loops the checks enter one definition again through each of its references. The bound keeps them
+// within a stack of 256 KiB; the checks of one process never run side by side, so one counter
+// serves all.
+constexpr int MaxChecksUnderWay = 400;
+int checksUnderWay = 0;
 
 } // namespace
 
@@ -65,9 +70,14 @@ bool TermVariable::check_config(const TermList* termsList)
     if (term->configChecked) {
         valid = term->valid;
     } else {
-        valid = checkReferredTerm(term, termsList);
-        // Also after a failure: nobody checks the term again, and it stays in the list (unresolved).
-        // This is meant.
+        if (checksUnderWay == MaxChecksUnderWay)
+            return fail(QObject::tr("loops of variables are tangled more than %1 levels deep")
+                            .arg(MaxChecksUnderWay));
+        const QScopedValueRollback<int> oneMore(checksUnderWay, checksUnderWay + 1);
+        const QScopedValueRollback<bool> guard(loopGuard, true);
+        valid = term->check_config(termsList);
+        // Also after a failure: nobody checks the term again, and it stays in the list
+        // (unresolved). This is meant.
         term->configChecked = true;
     }
     if (!valid)
@@ -76,18 +86,6 @@ bool TermVariable::check_config(const TermList* termsList)
     simpleTerm = term;
     firstChars = firstCharsOf(term);
     return true;
-}
-
-bool TermVariable::checkReferredTerm(TermStd* term, const TermList* termsList)
-{
-    // Definitions that nest too deep are not checked at all, but in a tangle of loops the checks can
-    // enter one definition again through each of its references.
-    static int checksUnderWay = 0;
-    if (checksUnderWay == TermExpression::MaxNesting)
-        return fail(TermExpression::nestedTooDeepText());
-    const QScopedValueRollback<int> oneMore(checksUnderWay, checksUnderWay + 1);
-    const QScopedValueRollback<bool> guard(loopGuard, true);
-    return term->check_config(termsList);
 }
 
 QString TermVariable::dumpData(bool) const

@@ -35,7 +35,6 @@ public:
 
 private:
     bool fail(const QString& text);
-    bool checkReferredTerm(TermStd* term, const TermList* termsList);
 };
 
 #endif

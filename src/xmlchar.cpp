@@ -3,8 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
-namespace
-{
+namespace {
 
 struct Range
 {
@@ -85,11 +84,12 @@ constexpr Range FurtherRanges[] = {
 };
 // clang-format on
 
-template<size_t size>
+template <size_t size>
 bool isIn(const Range (&ranges)[size], char32_t c)
 {
-    const auto range = std::lower_bound(std::begin(ranges), std::end(ranges), c,
-                                        [](const Range& r, char32_t value) { return r.last < value; });
+    const auto range =
+        std::lower_bound(std::begin(ranges), std::end(ranges), c,
+                         [](const Range& r, char32_t value) { return r.last < value; });
     return range != std::end(ranges) && range->first <= c;
 }
 

@@ -6,8 +6,7 @@
 /// The fifth edition of XML allows more characters in names than the four before it. Readers of the
 /// older editions are in use everywhere (Qt's own is one), so a name character is here what all
 /// editions allow.
-namespace XmlChar
-{
+namespace XmlChar {
 
 /// True if an XML document may hold the character.
 constexpr bool isAllowed(char32_t c)
@@ -16,7 +15,8 @@ constexpr bool isAllowed(char32_t c)
            (c >= 0xe000 && c <= 0xfffd) || (c >= 0x10000 && c <= 0x10ffff);
 }
 
-/// True if a name may begin with the ASCII character. The colon is left out: it parts prefix and name.
+/// True if a name may begin with the ASCII character. The colon is left out: it parts prefix and
+/// name.
 constexpr bool isAsciiNameStart(char32_t c)
 {
     return (c >= U'A' && c <= U'Z') || c == U'_' || (c >= U'a' && c <= U'z');

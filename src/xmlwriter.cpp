@@ -1,5 +1,6 @@
 #include "xmlwriter.h"
 
+#include "largememory.h"
 #include "xmlchar.h"
 
 #include <algorithm>
@@ -7,8 +8,7 @@
 #include <limits>
 #include <new>
 
-namespace
-{
+namespace {
 
 constexpr char32_t Replacement = 0xfffd;
 
@@ -48,7 +48,8 @@ bool isAscii(QChar c, AsciiBit bit)
     return c.unicode() < AsciiTable.size() && (AsciiTable[c.unicode()] & bit) != 0;
 }
 
-// The code point that begins at `in`, moving `in` behind it. A lone surrogate is its own code point.
+// The code point that begins at `in`, moving `in` behind it. A lone surrogate is its own code
+// point.
 char32_t takeCodePoint(const QChar*& in, const QChar* end)
 {
     const QChar c = *in++;
@@ -59,7 +60,9 @@ char32_t takeCodePoint(const QChar*& in, const QChar* end)
 
 char* putUtf8(char* out, char32_t c)
 {
-    const auto byte = [](char32_t bits) { return static_cast<char>(static_cast<unsigned char>(bits)); };
+    const auto byte = [](char32_t bits) {
+        return static_cast<char>(static_cast<unsigned char>(bits));
+    };
     if (c < 0x80) {
         *out++ = byte(c);
         return out;
@@ -79,16 +82,10 @@ char* putUtf8(char* out, char32_t c)
     return out;
 }
 
-char* putBytes(char* out, std::string_view bytes)
-{
-    std::memcpy(out, bytes.data(), bytes.size());
-    return out + bytes.size();
-}
-
 char* putEscapedInName(char* out, char32_t c)
 {
     static constexpr char Digits[] = "0123456789ABCDEF";
-    out = putBytes(out, "_x");
+    out = copyBytes(out, "_x");
     for (int shift = c > 0xfffff ? 20 : c > 0xffff ? 16 : 12; shift >= 0; shift -= 4)
         *out++ = Digits[(c >> shift) & 0xf];
     *out++ = '_';
@@ -158,9 +155,9 @@ char* putEscaped(char* out, QStringView text, qsizetype* from, qsizetype to, boo
         const char32_t c = takeCodePoint(in, begin + text.size());
         if (c == U'>') {
             const bool endsSection = in - begin > 2 && in[-2] == u']' && in[-3] == u']';
-            out = putBytes(out, endsSection ? "&gt;" : ">");
+            out = copyBytes(out, endsSection ? "&gt;" : ">");
         } else if (const std::string_view escape = escapeFor(c, inAttribute); !escape.empty()) {
-            out = putBytes(out, escape);
+            out = copyBytes(out, escape);
         } else {
             out = putUtf8(out, XmlChar::isAllowed(c) ? c : Replacement);
         }
@@ -171,10 +168,12 @@ char* putEscaped(char* out, QStringView text, qsizetype* from, qsizetype to, boo
 
 } // namespace
 
-XmlWriter::XmlWriter(qsizetype textSize) : m_out(m_buffer.data()), m_end(m_out)
+XmlWriter::XmlWriter(qsizetype expectedSize) : m_out(m_buffer.data()), m_end(m_out)
 {
-    // Twelve times the text is what messages of short fields come to; the buffer grows if it is more.
-    grow(1024 + std::min<qsizetype>(textSize, 1 << 20) * 12);
+    // An expectation above what a QByteArray of Qt 5 holds must not fail: the document may be
+    // smaller.
+    constexpr qsizetype most = qsizetype(1) << 30;
+    grow(std::min(expectedSize, most));
 }
 
 // Enlarges the buffer so that `bytes` more bytes fit.
@@ -187,8 +186,9 @@ void XmlWriter::grow(qsizetype bytes)
     const qsizetype capacity = m_buffer.size();
     if (bytes > limit - used)
         throw std::bad_alloc();
-    const qsizetype grown = std::min(limit, std::max(used + bytes, capacity + capacity / 2));
+    const qsizetype grown = std::min(limit, std::max(used + bytes, capacity * 2));
     m_buffer.resize(static_cast<Size>(grown));
+    LargeMemory::advise(m_buffer.data() + used, static_cast<size_t>(grown - used));
     m_out = m_buffer.data() + used;
     m_end = m_buffer.data() + grown;
 }
@@ -224,21 +224,21 @@ void XmlWriter::endElement()
     m_open.removeLast();
     char* out = room(3 + indentRoom() + element.nameSize);
     if (element.lastContent == Content::None) {
-        m_out = copy(out, "/>");
+        m_out = copyBytes(out, "/>");
         return;
     }
     if (element.lastContent == Content::Element)
         out = breakLineAndIndent(out);
     const auto nameSize = static_cast<size_t>(element.nameSize);
-    out = copy(copy(out, "</"), {m_buffer.constData() + element.nameBegin, nameSize});
+    out = copyBytes(copyBytes(out, "</"), {m_buffer.constData() + element.nameBegin, nameSize});
     *out++ = '>';
     m_out = out;
 }
 
 void XmlWriter::attribute(std::string_view name, QStringView value)
 {
-    char* out = room(static_cast<qsizetype>(name.size()) + value.size() * MaxBytesPerUnit +
-                     AttributeSigns);
+    char* out =
+        room(static_cast<qsizetype>(name.size()) + value.size() * MaxBytesPerUnit + AttributeSigns);
     qsizetype from = 0;
     out = putEscaped(beginAttribute(out, name), value, &from, value.size(), true);
     *out = '"';

@@ -9,25 +9,32 @@
 #include <cstring>
 #include <string_view>
 
+/// Copies @p bytes to @p out, where there is room for them. Returns the end of the copy.
+inline char* copyBytes(char* out, std::string_view bytes)
+{
+    std::memcpy(out, bytes.data(), bytes.size());
+    return out + bytes.size();
+}
+
 /// Writes an XML document, element by element, straight to UTF-8.
 ///
 /// The layout is that of QDomDocument::toString(4): four blanks per level, an element on a line of
-/// its own unless text stands before it. Attributes come in the order of the calls, so the same calls
-/// always give the same bytes.
+/// its own unless text stands before it. Attributes come in the order of the calls, so the same
+/// calls always give the same bytes.
 ///
 /// The document is well-formed whatever the message holds. A character that XML cannot carry is
 /// written as U+FFFD; in an element name each character that a name without prefix may not hold at
 /// its place (in one of the editions of XML 1.0) is written as _xHHHH_, its code point in four or
 /// more upper-case hexadecimal digits.
 ///
-/// How it works: each operation asks once for all the room that it can need (room()), writes without
-/// further checks and tells where it ended (m_out).
+/// How it works: each operation asks once for all the room that it can need (room()), writes
+/// without further checks and tells where it ended (m_out).
 class XmlWriter
 {
 public:
-    /// A writer for a document over a message of @p textSize UTF-16 units; the size is only a hint
-    /// for the memory to begin with.
-    explicit XmlWriter(qsizetype textSize);
+    /// A writer for a document of about @p expectedSize bytes, for which it takes the memory at
+    /// once.
+    explicit XmlWriter(qsizetype expectedSize);
 
     /// Opens an element in the current one. @p name must not be empty.
     void startElement(QStringView name);
@@ -40,7 +47,7 @@ public:
     void attribute(std::string_view name, std::string_view value)
     {
         char* out = room(static_cast<qsizetype>(name.size() + value.size()) + AttributeSigns);
-        out = copy(beginAttribute(out, name), value);
+        out = copyBytes(beginAttribute(out, name), value);
         *out = '"';
         m_out = out + 1;
     }
@@ -76,15 +83,10 @@ private:
 
     static constexpr qsizetype AttributeSigns = 4; // blank, equals sign, two quotes
 
-    static char* copy(char* out, std::string_view bytes)
-    {
-        std::memcpy(out, bytes.data(), bytes.size());
-        return out + bytes.size();
-    }
     static char* beginAttribute(char* out, std::string_view name)
     {
         *out++ = ' ';
-        return copy(copy(out, name), "=\"");
+        return copyBytes(copyBytes(out, name), "=\"");
     }
 
     // Where to write, with room for so many bytes.

@@ -1,6 +1,6 @@
-// Holds every example of docs/guide.md against the library. The examples are the fenced blocks of the
-// guide; the section "How the examples are written" in it says what the kinds of blocks mean. Each
-// block is a test, named after the line on which it begins.
+// Holds every example of docs/guide.md against the library. The examples are the fenced blocks of
+// the guide; the section "How the examples are written" in it says what the kinds of blocks mean.
+// Each block is a test, named after the line on which it begins.
 //
 // All blocks with reports:  adexp_guide_tests --gtest_filter='*_report'
 
@@ -35,7 +35,10 @@ struct Block
     int line = 0; // of the fence, from 1
     QStringList lines;
 
-    std::string testName() const { return "line_" + std::to_string(line) + '_' + kind.toStdString(); }
+    std::string testName() const
+    {
+        return "line_" + std::to_string(line) + '_' + kind.toStdString();
+    }
 };
 
 void PrintTo(const Block& block, std::ostream* out)
@@ -177,9 +180,9 @@ public:
                                 QStringLiteral("primary.xml"), QStringLiteral("rules.xml")};
         for (int i = 0; i < tags.size(); ++i)
             folder.write(files.at(i), fileWith(definitions, tags.at(i)));
-        const QString ini = folder.write(
-            QStringLiteral("adexp.ini"),
-            settingsText(files.at(0), files.at(1), files.at(2), files.at(3)));
+        const QString ini =
+            folder.write(QStringLiteral("adexp.ini"),
+                         settingsText(files.at(0), files.at(1), files.at(2), files.at(3)));
 
         QSettings settings(ini, QSettings::IniFormat);
         const DiagnosticCapture diagnostics;
@@ -281,8 +284,8 @@ TEST_P(ReportBlock, IsReportedAsItSays)
 QStringList messageElement(const QByteArray& document)
 {
     QStringList lines = QString::fromUtf8(document).split(u'\n').mid(1);
-    const auto originalText = lines.indexOf(
-        QRegularExpression(QStringLiteral("^    <ORIGINAL_TEXT>.*")));
+    const auto originalText =
+        lines.indexOf(QRegularExpression(QStringLiteral("^    <ORIGINAL_TEXT>.*")));
     lines = lines.mid(0, originalText);
     lines.replaceInStrings(QRegularExpression(QStringLiteral("^    ")), QString());
     return lines;
@@ -299,8 +302,8 @@ TEST_P(ConvertBlock, ConvertsAsItSays)
     EXPECT_EQ(joined(rules.reports), "");
 
     const DiagnosticCapture diagnostics;
-    const QByteArray document = rules.converter.charAdexpToCharXml(
-        sections[QStringLiteral("message")].join(u'\n'));
+    const QByteArray document =
+        rules.converter.charAdexpToCharXml(sections[QStringLiteral("message")].join(u'\n'));
     EXPECT_EQ(joined(messageElement(document)), joined(sections[QStringLiteral("document")]));
     QStringList reports;
     for (const DiagnosticCapture::Line& line : diagnostics.lines())

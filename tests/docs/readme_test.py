@@ -6,6 +6,7 @@
 In a block of the kind "console" the lines behind "$ " are run and what they print is compared; a line
 "..." stands for any lines, "..." in a line for anything.
 """
+import json
 import os
 import re
 import subprocess
@@ -26,7 +27,7 @@ def blocks(kind):
 
 
 def named_files():
-    """The blocks that a paragraph beginning or ending with the name of a file introduces."""
+    """The blocks whose paragraph in front begins or goes on, after a comma, with the name of a file."""
     pattern = r"^(?:[^\n]*, )?`(\w+\.\w+)`[^\n]*(?:\n[^\n]+)*\n\n```(?:ini|xml|text)\n(.*?)^```$"
     return dict(re.findall(pattern, README, re.MULTILINE | re.DOTALL))
 
@@ -42,8 +43,11 @@ def steps():
 
 
 def output_pattern(expected):
-    pattern = re.escape(expected).replace(re.escape("...") + "\n", "(?:.*\n)*")
-    return pattern.replace(re.escape("..."), ".*")
+    def line_pattern(line):
+        if line == "...\n":
+            return "(?:.*\n)*"
+        return re.escape(line).replace(re.escape("..."), ".*")
+    return "".join(map(line_pattern, expected.splitlines(keepends=True)))
 
 
 def table_reports():
@@ -67,6 +71,12 @@ def reports_in_sources():
             texts.append(text.replace('\\"', '"'))
         texts += re.findall(r'"(QSettings: .*?)"', source)
     return texts
+
+
+def anchors(page):
+    """The anchors that the headings of a page get."""
+    headings = re.findall(r"^#+ (.*)$", page.read_text(encoding="utf-8"), re.MULTILINE)
+    return [re.sub(r"[^\w -]", "", heading.lower()).replace(" ", "-") for heading in headings]
 
 
 # What heads of reports are made of; it says nothing about a cause.
@@ -142,15 +152,33 @@ class Readme(unittest.TestCase):
                 with self.subTest(piece):
                     self.assertTrue(any(piece in text for text in texts))
 
-    def test_links_lead_to_files(self):
-        for target in re.findall(r"\]\(([^)#]+)", README):
-            with self.subTest(target):
-                self.assertTrue((ROOT / target).exists())
+    def test_links_lead_somewhere(self):
+        for page in (ROOT / "README.md", ROOT / "docs/guide.md"):
+            text = page.read_text(encoding="utf-8")
+            for file, anchor in re.findall(r"\]\(([^)#]*)#?([^)]*)\)", text):
+                target = page.parent / file if file else page
+                with self.subTest(page=page.name, file=file, anchor=anchor):
+                    self.assertTrue(target.exists())
+                    if anchor:
+                        self.assertIn(anchor, anchors(target))
 
     def test_folders_exist(self):
         for name in re.findall(r"^\| `([\w/]+/)` \|", README, re.MULTILINE):
             with self.subTest(name):
                 self.assertTrue((ROOT / name).is_dir())
+
+    def test_build_options_are_those_of_cmake(self):
+        shown = re.findall(r"^\| `-D(\w+)=\w+` \| (\w+) \|", README, re.MULTILINE)
+        cmake = (ROOT / "CMakeLists.txt").read_text(encoding="utf-8")
+        options = re.findall(r'^option\((\w+) ".*" (\w+)\)$', cmake, re.MULTILINE)
+        values = re.findall(r'^set\((ADEXP_\w+) (\S+) CACHE', cmake, re.MULTILINE)
+        values = [(name, "none" if value == '""' else value) for name, value in values]
+        self.assertEqual(sorted(shown), sorted(options + values))
+
+    def test_presets_are_those_of_cmake(self):
+        presets = json.loads((ROOT / "CMakePresets.json").read_text(encoding="utf-8"))
+        shown = re.findall(r"^\| `(\w+)` \| `build/\w+` \|", README, re.MULTILINE)
+        self.assertEqual(shown, [preset["name"] for preset in presets["configurePresets"]])
 
 
 if __name__ == "__main__":

@@ -4,6 +4,9 @@
 // Arguments: the library, then libraries which stay loaded all the time. These are meant to be
 // Qt's, as Qt itself leaves some memory behind whenever it is unloaded.
 //
+// To be run with GLIBC_TUNABLES=glibc.malloc.tcache_count=0: released blocks that the allocator
+// keeps for the thread would count as in use.
+//
 // Linked with nothing but the dynamic loader.
 
 #include <dlfcn.h>
@@ -27,7 +30,7 @@
 
 namespace {
 
-constexpr int WarmUpRounds = 100; // until the allocator's caches are filled
+constexpr int WarmUpRounds = 10; // until every cache of the libraries below has its size
 constexpr int Rounds = 100;
 
 // Less than a block, or a tenth of a page, in each round.

@@ -12,7 +12,7 @@ const QChar Sequence(u'!');
 const QChar Choice(u'|');
 const QChar Plus(u'+');
 
-QString simplified(const QString &text)
+QString simplified(const QString& text)
 {
     QString result;
     bool blankWaits = false;
@@ -29,15 +29,15 @@ QString simplified(const QString &text)
     return result;
 }
 
-bool isKeyword(const QString &word)
+bool isKeyword(const QString& word)
 {
-    return word == QLatin1String("CHARACTER") || word == QLatin1String("ALPHANUM")
-        || word == QLatin1String("ALPHA") || word == QLatin1String("DIGIT")
-        || word == QLatin1String("SEP") || word == QLatin1String("NIL")
-        || word == QLatin1String("LIM_CHAR");
+    return word == QLatin1String("CHARACTER") || word == QLatin1String("ALPHANUM") ||
+           word == QLatin1String("ALPHA") || word == QLatin1String("DIGIT") ||
+           word == QLatin1String("SEP") || word == QLatin1String("NIL") ||
+           word == QLatin1String("LIM_CHAR");
 }
 
-Term keyword(const QString &name)
+Term keyword(const QString& name)
 {
     Term term;
     term.kind = Kind::Keyword;
@@ -45,7 +45,7 @@ Term keyword(const QString &name)
     return term;
 }
 
-Term wordTerm(const QString &upperCaseWord)
+Term wordTerm(const QString& upperCaseWord)
 {
     if (isKeyword(upperCaseWord))
         return keyword(upperCaseWord);
@@ -55,12 +55,12 @@ Term wordTerm(const QString &upperCaseWord)
     return term;
 }
 
-bool isSeparator(const Term &term)
+bool isSeparator(const Term& term)
 {
     return term.kind == Kind::Keyword && term.text == QLatin1String("SEP");
 }
 
-bool isRequired(const Term &term)
+bool isRequired(const Term& term)
 {
     if (term.bracket == Bracket::None)
         return true;
@@ -72,7 +72,7 @@ bool isAsciiDigit(QChar character)
     return character >= QChar(u'0') && character <= QChar(u'9');
 }
 
-void setRepeatCount(Term *term, int least, int most, QStringList *messages)
+void setRepeatCount(Term* term, int least, int most, QStringList* messages)
 {
     if (least == NotGiven)
         least = 0;
@@ -86,24 +86,24 @@ void setRepeatCount(Term *term, int least, int most, QStringList *messages)
     if (most == NotGiven)
         most = Unlimited;
     if (most < least) {
-        messages->append(QStringLiteral("minimum repeat count = %1 more than maximum repeat count = %2")
-                             .arg(least)
-                             .arg(most));
+        messages->append(
+            QStringLiteral("minimum repeat count = %1 more than maximum repeat count = %2")
+                .arg(least)
+                .arg(most));
         least = most;
     }
     term->least = least;
     term->most = most;
 }
 
-std::optional<Term> compileText(const QString &text, bool forceUnwrap, QStringList *messages);
+std::optional<Term> compileText(const QString& text, bool forceUnwrap, QStringList* messages);
 
 /// Compiles the text between one pair of brackets, or a whole definition.
 class GroupCompiler
 {
 public:
-    GroupCompiler(const QString &text, QStringList *messages)
-        : m_text(simplified(text))
-        , m_messages(messages)
+    GroupCompiler(const QString& text, QStringList* messages)
+        : m_text(simplified(text)), m_messages(messages)
     {
     }
 
@@ -117,8 +117,9 @@ public:
         const bool complete = finish();
         const bool pure = hasOneKindOfOperator();
         if (!pure) {
-            m_messages->append(QStringLiteral("automatic priority operations are not implemented, "
-                                              "please arrange the brackets to indicate the priority"));
+            m_messages->append(
+                QStringLiteral("automatic priority operations are not implemented, "
+                               "please arrange the brackets to indicate the priority"));
         }
         if (!complete || !pure)
             return std::nullopt;
@@ -181,8 +182,8 @@ private:
         recordOperator(inner);
 
         const QString upperCase = inner.toUpper();
-        std::optional<Term> term = isKeyword(upperCase) ? keyword(upperCase)
-                                                        : compileText(upperCase, false, m_messages);
+        std::optional<Term> term =
+            isKeyword(upperCase) ? keyword(upperCase) : compileText(upperCase, false, m_messages);
         if (!term)
             return false;
         term->bracket = bracket;
@@ -201,8 +202,8 @@ private:
             const QChar character = m_text.at(at);
             if (character == close && depth == 0) {
                 if (inner.isEmpty()) {
-                    m_messages->append(QStringLiteral("term in ") + open + close
-                                       + QStringLiteral(" empty"));
+                    m_messages->append(QStringLiteral("term in ") + open + close +
+                                       QStringLiteral(" empty"));
                 }
                 m_at = at + 1;
                 return inner;
@@ -241,13 +242,14 @@ private:
     {
         if (m_word.isEmpty()) {
             if (!m_operator.isNull()) {
-                m_messages->append(QStringLiteral("two statements one after another without the term ")
-                                   + m_operator + QChar(u' ') + character);
+                m_messages->append(
+                    QStringLiteral("two statements one after another without the term ") +
+                    m_operator + QChar(u' ') + character);
                 return false;
             }
             if (m_group.parts.empty()) {
-                m_messages->append(QStringLiteral("operator ") + character
-                                   + QStringLiteral(" without the term"));
+                m_messages->append(QStringLiteral("operator ") + character +
+                                   QStringLiteral(" without the term"));
                 return false;
             }
         }
@@ -267,7 +269,7 @@ private:
         m_group.parts.push_back(wordTerm(word));
     }
 
-    void recordOperator(const QString &nextTermText)
+    void recordOperator(const QString& nextTermText)
     {
         if (m_group.parts.empty())
             return;
@@ -278,8 +280,8 @@ private:
             return;
         }
         m_group.operators += Sequence;
-        const bool noSeparator = nextTermText.isEmpty() || nextTermText == QLatin1String("SEP")
-            || isSeparator(m_group.parts.back());
+        const bool noSeparator = nextTermText.isEmpty() || nextTermText == QLatin1String("SEP") ||
+                                 isSeparator(m_group.parts.back());
         if (noSeparator)
             return;
         m_group.parts.push_back(keyword(QStringLiteral("SEP")));
@@ -297,7 +299,8 @@ private:
             return false;
         }
         if (!m_operator.isNull()) {
-            m_messages->append(QStringLiteral("missing the last term after operator ") + m_operator);
+            m_messages->append(QStringLiteral("missing the last term after operator ") +
+                               m_operator);
             return false;
         }
         return true;
@@ -309,21 +312,21 @@ private:
     }
 
     QString m_text;
-    QStringList *m_messages;
+    QStringList* m_messages;
     int m_at = 0;
-    QString m_word; ///< word read but not yet appended
+    QString m_word;   ///< word read but not yet appended
     QChar m_operator; ///< operator read but not yet recorded, null if none
     Term m_group;
 };
 
-std::optional<Term> compileText(const QString &text, bool forceUnwrap, QStringList *messages)
+std::optional<Term> compileText(const QString& text, bool forceUnwrap, QStringList* messages)
 {
     const std::optional<Term> group = GroupCompiler(text, messages).compile();
     if (!group || group->parts.size() > 1)
         return group;
     const Term only = group->parts.front();
-    const bool isDecorated = only.bracket != Bracket::None || only.least != NotGiven
-        || only.most != NotGiven;
+    const bool isDecorated =
+        only.bracket != Bracket::None || only.least != NotGiven || only.most != NotGiven;
     if (isDecorated && !forceUnwrap)
         return group;
     return only;
@@ -341,11 +344,11 @@ bool isDigit(QChar character)
 
 bool isLimitedCharacter(QChar character)
 {
-    return isUpperCaseLetter(character) || isDigit(character) || character.isSpace()
-        || QStringLiteral("()?:.,'=+/").contains(character);
+    return isUpperCaseLetter(character) || isDigit(character) || character.isSpace() ||
+           QStringLiteral("()?:.,'=+/").contains(character);
 }
 
-int separatorLength(const QString &text)
+int separatorLength(const QString& text)
 {
     int length = 0;
     while (length < text.size() && text.at(length).isSpace())
@@ -353,7 +356,7 @@ int separatorLength(const QString &text)
     return length;
 }
 
-int keywordLength(const QString &keyword, const QString &text)
+int keywordLength(const QString& keyword, const QString& text)
 {
     if (keyword == QLatin1String("SEP"))
         return separatorLength(text);
@@ -374,10 +377,11 @@ int keywordLength(const QString &keyword, const QString &text)
     return matches ? 1 : 0;
 }
 
-QString decorated(const Term &term, const QString &text)
+QString decorated(const Term& term, const QString& text)
 {
     if (term.bracket == Bracket::Repeated)
-        return QString::number(term.least) + QChar(u'{') + text + QChar(u'}') + QString::number(term.most);
+        return QString::number(term.least) + QChar(u'{') + text + QChar(u'}') +
+               QString::number(term.most);
     if (term.bracket == Bracket::Optional)
         return QChar(u'[') + text + QChar(u']');
     return text;
@@ -385,35 +389,35 @@ QString decorated(const Term &term, const QString &text)
 
 } // namespace
 
-Compiled compile(const QString &expression)
+Compiled compile(const QString& expression)
 {
     Compiled result;
     result.term = compileText(expression, true, &result.messages);
     return result;
 }
 
-void Grammar::define(const QString &name, const QString &expression)
+void Grammar::define(const QString& name, const QString& expression)
 {
     const Compiled compiled = compile(expression);
     if (compiled.term)
         m_definitions.push_back({name, *compiled.term});
 }
 
-const Term *Grammar::find(const QString &name) const
+const Term* Grammar::find(const QString& name) const
 {
-    for (const Definition &definition : m_definitions) {
+    for (const Definition& definition : m_definitions) {
         if (definition.name == name)
             return &definition.term;
     }
     return nullptr;
 }
 
-bool Grammar::isSound(const Term &term, const QString &ownName) const
+bool Grammar::isSound(const Term& term, const QString& ownName) const
 {
     return isSoundBelow(term, QStringList{ownName});
 }
 
-bool Grammar::isSoundBelow(const Term &term, const QStringList &namesAbove) const
+bool Grammar::isSoundBelow(const Term& term, const QStringList& namesAbove) const
 {
     switch (term.kind) {
     case Kind::Keyword:
@@ -421,27 +425,27 @@ bool Grammar::isSoundBelow(const Term &term, const QStringList &namesAbove) cons
     case Kind::Literal:
         return !term.text.isEmpty();
     case Kind::Name: {
-        const Term *definition = find(term.text);
-        return definition && !namesAbove.contains(term.text)
-            && isSoundBelow(*definition, namesAbove + QStringList{term.text});
+        const Term* definition = find(term.text);
+        return definition && !namesAbove.contains(term.text) &&
+               isSoundBelow(*definition, namesAbove + QStringList{term.text});
     }
     case Kind::Group:
         break;
     }
-    for (const Term &part : term.parts) {
+    for (const Term& part : term.parts) {
         if (!isSoundBelow(part, namesAbove))
             return false;
     }
     return true;
 }
 
-int Grammar::matchedLength(const Term &term, const QString &text) const
+int Grammar::matchedLength(const Term& term, const QString& text) const
 {
     const auto end = text.indexOf(QChar(u'\0'));
     return match(term, end < 0 ? text : text.left(end));
 }
 
-int Grammar::match(const Term &term, const QString &text) const
+int Grammar::match(const Term& term, const QString& text) const
 {
     if (term.bracket != Bracket::Repeated)
         return matchOnce(term, text);
@@ -457,7 +461,7 @@ int Grammar::match(const Term &term, const QString &text) const
     return count < term.least ? 0 : length;
 }
 
-int Grammar::matchOnce(const Term &term, const QString &text) const
+int Grammar::matchOnce(const Term& term, const QString& text) const
 {
     switch (term.kind) {
     case Kind::Keyword:
@@ -472,20 +476,20 @@ int Grammar::matchOnce(const Term &term, const QString &text) const
     return term.operators.startsWith(Choice) ? matchChoice(term, text) : matchSequence(term, text);
 }
 
-int Grammar::matchChoice(const Term &group, const QString &text) const
+int Grammar::matchChoice(const Term& group, const QString& text) const
 {
     int longest = 0;
-    for (const Term &alternative : group.parts)
+    for (const Term& alternative : group.parts)
         longest = std::max(longest, match(alternative, text));
     return longest;
 }
 
-int Grammar::matchSequence(const Term &group, const QString &text) const
+int Grammar::matchSequence(const Term& group, const QString& text) const
 {
     int position = 0;
     std::size_t i = 0;
     while (i < group.parts.size()) {
-        const Term &part = group.parts[i];
+        const Term& part = group.parts[i];
         if (position == text.size()) {
             // The text is used up: separators may be missing, whatever is required may not.
             if (!isSeparator(part) && isRequired(part))
@@ -509,7 +513,7 @@ int Grammar::matchSequence(const Term &group, const QString &text) const
     return position;
 }
 
-qint64 Grammar::longestLength(const Term &term, bool withRepeat) const
+qint64 Grammar::longestLength(const Term& term, bool withRepeat) const
 {
     const bool isRepeated = term.bracket == Bracket::Repeated && term.most > 0;
     qint64 once = 0;
@@ -524,7 +528,7 @@ qint64 Grammar::longestLength(const Term &term, bool withRepeat) const
         once = longestLength(*find(term.text), true);
         break;
     case Kind::Group:
-        for (const Term &part : term.parts) {
+        for (const Term& part : term.parts) {
             const qint64 length = longestLength(part, true);
             once = term.operators.startsWith(Choice) ? std::max(once, length) : once + length;
         }
@@ -535,7 +539,7 @@ qint64 Grammar::longestLength(const Term &term, bool withRepeat) const
     return term.most == Unlimited ? Unlimited : once * term.most;
 }
 
-QString Grammar::dump(const Term &term, bool topLevel) const
+QString Grammar::dump(const Term& term, bool topLevel) const
 {
     switch (term.kind) {
     case Kind::Keyword:
@@ -544,10 +548,10 @@ QString Grammar::dump(const Term &term, bool topLevel) const
         return decorated(term, QChar(u'\'') + term.text + QChar(u'\''));
     case Kind::Name: {
         const QString name = decorated(term, term.text);
-        const Term *definition = find(term.text);
-        return name + QStringLiteral("<simpleTerm>") + name + QStringLiteral("</simpleTerm>")
-            + (definition ? dump(*definition, false) : QStringLiteral("not found"))
-            + QStringLiteral("</simpleTerm>"); // the second closing tag is meant
+        const Term* definition = find(term.text);
+        return name + QStringLiteral("<simpleTerm>") + name + QStringLiteral("</simpleTerm>") +
+               (definition ? dump(*definition, false) : QStringLiteral("not found")) +
+               QStringLiteral("</simpleTerm>"); // the second closing tag is meant
     }
     case Kind::Group:
         break;
@@ -555,12 +559,13 @@ QString Grammar::dump(const Term &term, bool topLevel) const
     return dumpGroup(term, topLevel);
 }
 
-QString Grammar::dumpGroup(const Term &group, bool topLevel) const
+QString Grammar::dumpGroup(const Term& group, bool topLevel) const
 {
     QString text = QStringLiteral("<TermExpression>");
     for (std::size_t i = 0; i < group.parts.size(); ++i) {
         if (i > 0)
-            text += QChar(u' ') + QString(group.operators.at(static_cast<int>(i) - 1)) + QChar(u' ');
+            text +=
+                QChar(u' ') + QString(group.operators.at(static_cast<int>(i) - 1)) + QChar(u' ');
         text += dump(group.parts[i], false);
     }
     text += QStringLiteral("</TermExpression>");

@@ -43,40 +43,40 @@ struct Term
     int least = NotGiven; ///< set only for repeated terms
     int most = NotGiven;
     std::vector<Term> parts; ///< terms of a group, inserted separators included
-    QString operators; ///< of a group: one '!' or '|' between any two parts
+    QString operators;       ///< of a group: one '!' or '|' between any two parts
 };
 
 /// What became of an expression text.
 struct Compiled
 {
     std::optional<Term> term; ///< nothing if the text is not a correct expression
-    QStringList messages; ///< everything reported, in order
+    QStringList messages;     ///< everything reported, in order
 };
 
 /// Compiles the text of a named definition: an expression of one term is that term itself.
-Compiled compile(const QString &expression);
+Compiled compile(const QString& expression);
 
 /// Named definitions, and everything that can be asked of a term which refers to them.
 class Grammar
 {
 public:
     /// Adds a definition. A text that does not compile is left out; the first of a name wins.
-    void define(const QString &name, const QString &expression);
+    void define(const QString& name, const QString& expression);
 
     /**
      * True if every name below the term is defined, no literal is empty and no definition leads
      * back to itself. `ownName` is the name under which the term itself is being defined.
      */
-    bool isSound(const Term &term, const QString &ownName) const;
+    bool isSound(const Term& term, const QString& ownName) const;
 
     /// Number of UTF-16 units the term takes at the start of the text, 0 for no match.
-    int matchedLength(const Term &term, const QString &text) const;
+    int matchedLength(const Term& term, const QString& text) const;
 
     /// The most characters that the term can cover, by the rules of the length calculation.
-    qint64 longestLength(const Term &term, bool withRepeat) const;
+    qint64 longestLength(const Term& term, bool withRepeat) const;
 
     /// The dump; names that are not defined here show as not found.
-    QString dump(const Term &term, bool topLevel) const;
+    QString dump(const Term& term, bool topLevel) const;
 
 private:
     struct Definition
@@ -85,13 +85,13 @@ private:
         Term term;
     };
 
-    const Term *find(const QString &name) const;
-    bool isSoundBelow(const Term &term, const QStringList &namesAbove) const;
-    int match(const Term &term, const QString &text) const;
-    int matchOnce(const Term &term, const QString &text) const;
-    int matchChoice(const Term &group, const QString &text) const;
-    int matchSequence(const Term &group, const QString &text) const;
-    QString dumpGroup(const Term &group, bool topLevel) const;
+    const Term* find(const QString& name) const;
+    bool isSoundBelow(const Term& term, const QStringList& namesAbove) const;
+    int match(const Term& term, const QString& text) const;
+    int matchOnce(const Term& term, const QString& text) const;
+    int matchChoice(const Term& group, const QString& text) const;
+    int matchSequence(const Term& group, const QString& text) const;
+    QString dumpGroup(const Term& group, bool topLevel) const;
 
     std::vector<Definition> m_definitions;
 };

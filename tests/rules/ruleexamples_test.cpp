@@ -219,7 +219,9 @@ public:
 
     std::string reportsOf(const QString& stretch) const
     {
-        return ::reportsOf(QStringLiteral("-TITLE ") + title() + u' ' + stretch, {m_rule.get()});
+        RuleList rules;
+        rules.append(m_rule.get());
+        return ::reportsOf(QStringLiteral("-TITLE ") + title() + u' ' + stretch, rules);
     }
 
 private:

@@ -29,8 +29,8 @@ public:
     };
 
     DiagnosticCapture()
-        : m_outer(s_innermost)
-        , m_previousHandler(qInstallMessageHandler(&DiagnosticCapture::collect))
+        : m_outer(s_innermost),
+          m_previousHandler(qInstallMessageHandler(&DiagnosticCapture::collect))
     {
         s_innermost = this;
     }
@@ -44,7 +44,7 @@ public:
     Q_DISABLE_COPY(DiagnosticCapture)
 
     /// All messages so far, oldest first.
-    const std::vector<Line> &lines() const { return m_lines; }
+    const std::vector<Line>& lines() const { return m_lines; }
 
     /// The texts of the messages of severity debug: reports about configuration and messages.
     QStringList debugLines() const { return linesOfType(QtDebugMsg); }
@@ -56,7 +56,7 @@ public:
     QStringList reportedTexts() const
     {
         QStringList texts;
-        for (const QString &line : debugLines())
+        for (const QString& line : debugLines())
             texts.append(reportedText(line));
         return texts;
     }
@@ -68,7 +68,7 @@ public:
      * The last of the quoted items of a report line, without its quotes. A line that does not end
      * with a quote and a blank is given back whole, so that a comparison with it fails visibly.
      */
-    static QString reportedText(const QString &line)
+    static QString reportedText(const QString& line)
     {
         const QString end = QStringLiteral("\" ");
         if (!line.endsWith(end))
@@ -80,7 +80,7 @@ public:
     }
 
 private:
-    static void collect(QtMsgType type, const QMessageLogContext &, const QString &text)
+    static void collect(QtMsgType type, const QMessageLogContext&, const QString& text)
     {
         s_innermost->m_lines.push_back({type, text});
     }
@@ -88,16 +88,16 @@ private:
     QStringList linesOfType(QtMsgType type) const
     {
         QStringList texts;
-        for (const Line &line : m_lines) {
+        for (const Line& line : m_lines) {
             if (line.type == type)
                 texts.append(line.text);
         }
         return texts;
     }
 
-    inline static DiagnosticCapture *s_innermost = nullptr;
+    inline static DiagnosticCapture* s_innermost = nullptr;
 
-    DiagnosticCapture *m_outer;
+    DiagnosticCapture* m_outer;
     QtMessageHandler m_previousHandler;
     std::vector<Line> m_lines;
 };

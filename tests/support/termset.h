@@ -11,7 +11,7 @@
 #include <memory>
 
 /// Fills an item the way a loader would: a place in a file, a name and the expression text.
-inline void fillRecord(ConfigInfo *record, const QString &name, const QString &expression)
+inline void fillRecord(ConfigInfo* record, const QString& name, const QString& expression)
 {
     record->setXMLFile(QStringLiteral("simple.xml"));
     record->lineNumber = 12;
@@ -21,7 +21,7 @@ inline void fillRecord(ConfigInfo *record, const QString &name, const QString &e
 }
 
 /// Compiles an expression text as the definition of `name`; null if it does not compile.
-inline std::unique_ptr<TermStd> compileDefinition(const QString &name, const QString &expression)
+inline std::unique_ptr<TermStd> compileDefinition(const QString& name, const QString& expression)
 {
     ConfigInfo record;
     fillRecord(&record, name, expression);
@@ -39,16 +39,17 @@ public:
     ~TermSet() { qDeleteAll(m_terms.begin(), m_terms.end()); }
     Q_DISABLE_COPY(TermSet)
 
-    /// Compiles and adds a definition; returns it, or null (and adds nothing) if it does not compile.
-    TermStd *define(const QString &name, const QString &expression)
+    /// Compiles and adds a definition; returns it, or null (and adds nothing) if it does not
+    /// compile.
+    TermStd* define(const QString& name, const QString& expression)
     {
-        TermStd *term = compileDefinition(name, expression).release();
+        TermStd* term = compileDefinition(name, expression).release();
         if (term)
             m_terms.append(term);
         return term;
     }
 
-    const TermList *terms() const { return &m_terms; }
+    const TermList* terms() const { return &m_terms; }
 
 private:
     TermList m_terms;

@@ -16,22 +16,21 @@ class Utf16Text
 public:
     constexpr Utf16Text() = default;
 
-    template<std::size_t Size>
+    template <std::size_t Size>
     constexpr Utf16Text(const char16_t (&literal)[Size])
-        : m_text(literal)
-        , m_size(static_cast<int>(Size - 1))
+        : m_text(literal), m_size(static_cast<int>(Size - 1))
     {
     }
 
-    operator QString() const { return QString(reinterpret_cast<const QChar *>(m_text), m_size); }
+    operator QString() const { return QString(reinterpret_cast<const QChar*>(m_text), m_size); }
 
 private:
-    const char16_t *m_text = u"";
+    const char16_t* m_text = u"";
     int m_size = 0;
 };
 
 /// The text for people: everything outside printable ASCII as its hexadecimal code unit.
-inline std::string readable(const QString &text)
+inline std::string readable(const QString& text)
 {
     std::string result;
     for (const QChar character : text) {

@@ -27,11 +27,11 @@ namespace {
 class Row
 {
 public:
-    constexpr Row(Utf16Text expression, const char16_t *dump, std::initializer_list<Utf16Text> messages = {})
-        : m_expression(expression)
-        , m_dump(dump)
+    constexpr Row(Utf16Text expression, const char16_t* dump,
+                  std::initializer_list<Utf16Text> messages = {})
+        : m_expression(expression), m_dump(dump)
     {
-        for (const Utf16Text &message : messages)
+        for (const Utf16Text& message : messages)
             m_messages[m_messageCount++] = message;
     }
 
@@ -49,7 +49,7 @@ public:
 
 private:
     Utf16Text m_expression;
-    const char16_t *m_dump;
+    const char16_t* m_dump;
     Utf16Text m_messages[2];
     int m_messageCount = 0;
 };
@@ -63,18 +63,18 @@ QString expanded(QString dump)
     const QStringList pieces = dump.split(QChar(u'$'));
     QString result;
     for (int i = 0; i < pieces.size(); ++i) {
-        const QString &piece = pieces.at(i);
+        const QString& piece = pieces.at(i);
         const bool isReference = i % 2 == 1;
         result += piece;
         if (isReference) {
-            result += QStringLiteral("<simpleTerm>") + piece
-                + QStringLiteral("</simpleTerm>not found</simpleTerm>");
+            result += QStringLiteral("<simpleTerm>") + piece +
+                      QStringLiteral("</simpleTerm>not found</simpleTerm>");
         }
     }
     return result;
 }
 
-void checkRow(const Row &row)
+void checkRow(const Row& row)
 {
     SCOPED_TRACE("expression: " + readable(row.expression()));
     DiagnosticCapture diagnostics;
@@ -88,10 +88,10 @@ void checkRow(const Row &row)
     }
 }
 
-template<std::size_t Count>
+template <std::size_t Count>
 void checkTable(const Row (&rows)[Count])
 {
-    for (const Row &row : rows)
+    for (const Row& row : rows)
         checkRow(row);
 }
 
@@ -488,8 +488,8 @@ TEST(CompilerTable, misplaced_operators)
     });
 }
 
-#define PRIORITY_MESSAGE                                                                               \
-    u"automatic priority operations are not implemented, please arrange the brackets to indicate "   \
+#define PRIORITY_MESSAGE                                                                           \
+    u"automatic priority operations are not implemented, please arrange the brackets to indicate " \
     u"the priority"
 
 TEST(CompilerTable, different_operators_at_one_level)
@@ -529,7 +529,8 @@ TEST(CompilerTable, error_in_a_bracketed_part_is_reported_once_and_ends_the_comp
     });
 }
 
-TEST(CompilerReport, error_in_a_bracketed_part_shows_the_place_of_the_record_and_the_text_of_the_part)
+TEST(CompilerReport,
+     error_in_a_bracketed_part_shows_the_place_of_the_record_and_the_text_of_the_part)
 {
     DiagnosticCapture diagnostics;
     EXPECT_FALSE(compileDefinition(QStringLiteral("FL_LEVEL"), QStringLiteral("c (a [b)")));
@@ -582,7 +583,8 @@ TEST(CompilerUnwrap, definition_of_one_decorated_term_is_that_term)
 
 TEST(CompilerUnwrap, bracketed_part_of_one_decorated_term_stays_an_expression)
 {
-    for (const QString &text : {QStringLiteral("[A]"), QStringLiteral("{A}"), QStringLiteral("2{DIGIT}3")}) {
+    for (const QString& text :
+         {QStringLiteral("[A]"), QStringLiteral("{A}"), QStringLiteral("2{DIGIT}3")}) {
         SCOPED_TRACE(text.toStdString());
         ConfigInfo record;
         fillRecord(&record, QStringLiteral("R"), text);
@@ -591,7 +593,7 @@ TEST(CompilerUnwrap, bracketed_part_of_one_decorated_term_stays_an_expression)
         EXPECT_EQ(term->type(), 8);
         EXPECT_EQ(term->bracketType, 0);
         EXPECT_EQ(term->minRepeat, -1);
-        EXPECT_EQ(static_cast<TermExpression *>(term.get())->ExprList.size(), 1);
+        EXPECT_EQ(static_cast<TermExpression*>(term.get())->ExprList.size(), 1);
     }
 }
 
@@ -655,11 +657,11 @@ TEST(CompilerInvariant, sub_terms_carry_the_place_of_the_record_and_their_own_te
     fillRecord(&record, QStringLiteral("R"), QStringLiteral("a 'x y' {b c}"));
     const TermExpression expression(&record);
     ASSERT_EQ(expression.ExprList.size(), 4); // A, literal, inserted separator, group
-    const QStringList ruleTexts{QStringLiteral("A"), QStringLiteral("X Y"), QStringLiteral("AUTOSEP"),
-                                QStringLiteral("B C")};
+    const QStringList ruleTexts{QStringLiteral("A"), QStringLiteral("X Y"),
+                                QStringLiteral("AUTOSEP"), QStringLiteral("B C")};
     for (int i = 0; i < 4; ++i) {
         SCOPED_TRACE(i);
-        const ConfigInfo &config = expression.ExprList.at(i)->config;
+        const ConfigInfo& config = expression.ExprList.at(i)->config;
         EXPECT_EQ(config.ruleText, ruleTexts.at(i));
         const bool isInserted = i == 2;
         EXPECT_EQ(config.recordName, isInserted ? QString() : QStringLiteral("R"));
@@ -676,7 +678,8 @@ TEST(CompilerInvariant, sub_terms_carry_the_place_of_the_record_and_their_own_te
 TEST(CompilerNesting, fifty_levels_are_compiled)
 {
     const int levels = 50;
-    const QString text = QString(levels, QChar(u'(')) + QStringLiteral("A B") + QString(levels, QChar(u')'));
+    const QString text =
+        QString(levels, QChar(u'(')) + QStringLiteral("A B") + QString(levels, QChar(u')'));
     const auto term = compileDefinition(QStringLiteral("R"), text);
     ASSERT_TRUE(term);
     EXPECT_EQ(term->dumpData(true), expanded(QStringLiteral("<E>$A$ ! SEP ! $B$</E>")));
@@ -685,7 +688,8 @@ TEST(CompilerNesting, fifty_levels_are_compiled)
 TEST(CompilerNesting, hundred_thousand_levels_are_refused_with_a_report)
 {
     const int levels = 100000;
-    const QString text = QString(levels, QChar(u'[')) + QStringLiteral("A") + QString(levels, QChar(u']'));
+    const QString text =
+        QString(levels, QChar(u'[')) + QStringLiteral("A") + QString(levels, QChar(u']'));
     DiagnosticCapture diagnostics;
     EXPECT_FALSE(compileDefinition(QStringLiteral("R"), text));
     EXPECT_FALSE(diagnostics.debugLines().isEmpty());
@@ -722,8 +726,9 @@ TEST(CompilerStandardTerm, keywords_are_looked_up_exactly)
     ConfigInfo record;
     fillRecord(&record, QStringLiteral("R"), QStringLiteral("A"));
     const TermExpression expression(&record);
-    const QStringList keywords{QStringLiteral("CHARACTER"), QStringLiteral("ALPHANUM"), QStringLiteral("ALPHA"),
-                               QStringLiteral("DIGIT"),     QStringLiteral("SEP"),      QStringLiteral("NIL"),
+    const QStringList keywords{QStringLiteral("CHARACTER"), QStringLiteral("ALPHANUM"),
+                               QStringLiteral("ALPHA"),     QStringLiteral("DIGIT"),
+                               QStringLiteral("SEP"),       QStringLiteral("NIL"),
                                QStringLiteral("LIM_CHAR")};
     for (int i = 0; i < keywords.size(); ++i) {
         record.ruleText = keywords.at(i);
@@ -731,8 +736,8 @@ TEST(CompilerStandardTerm, keywords_are_looked_up_exactly)
         ASSERT_TRUE(term) << keywords.at(i).toStdString();
         EXPECT_EQ(term->type(), i + 1);
     }
-    for (const QString &other : {QStringLiteral("digit"), QStringLiteral(" DIGIT"), QStringLiteral("UNKNOWN"),
-                                 QStringLiteral("AUTOSEP"), QString()}) {
+    for (const QString& other : {QStringLiteral("digit"), QStringLiteral(" DIGIT"),
+                                 QStringLiteral("UNKNOWN"), QStringLiteral("AUTOSEP"), QString()}) {
         record.ruleText = other;
         EXPECT_EQ(expression.isStdTerm(&record), nullptr) << other.toStdString();
     }

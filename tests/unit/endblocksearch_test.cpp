@@ -6,11 +6,10 @@
 
 #include <random>
 
-namespace
-{
+namespace {
 
-// What the look ahead for the end of a block is: reading field after field. The document finds it by
-// an index instead, with the same answers and the same reports.
+// What the look ahead for the end of a block is: reading field after field. The document finds it
+// by an index instead, with the same answers and the same reports.
 int searchEndBlockByReading(AdexpDoc* doc, const QString& name, int limit, int* endWordPoint)
 {
     const auto lastField = doc->lastFieldWordListIt;
@@ -75,11 +74,10 @@ void compareSearches(const QString& text)
                     found.reports = capture.lines().size();
                 }
                 ASSERT_TRUE(expected == found)
-                    << text.toStdString() << " from word "
-                    << (cursor - doc.wordList.constBegin()) << " name " << name << " limit "
-                    << limit << ": " << expected.endPoint << '/' << found.endPoint << ", "
-                    << expected.endWordPoint << '/' << found.endWordPoint << ", "
-                    << expected.reports << '/' << found.reports;
+                    << text.toStdString() << " from word " << (cursor - doc.wordList.constBegin())
+                    << " name " << name << " limit " << limit << ": " << expected.endPoint << '/'
+                    << found.endPoint << ", " << expected.endWordPoint << '/' << found.endWordPoint
+                    << ", " << expected.reports << '/' << found.reports;
                 ASSERT_TRUE(doc.currWordListIt == cursor && doc.lastFieldWordListIt == cursor);
             }
         }
@@ -88,7 +86,7 @@ void compareSearches(const QString& text)
 
 TEST(EndBlockSearch, findsWhatReadingFindsOverRandomWords)
 {
-    const QStringList words{QStringLiteral("-END"), QStringLiteral("-"),   QStringLiteral("END"),
+    const QStringList words{QStringLiteral("-END"), QStringLiteral("-"),  QStringLiteral("END"),
                             QStringLiteral("A"),    QStringLiteral("-A"), QStringLiteral("-END")};
     std::mt19937 random(20);
     for (int round = 0; round < 400; ++round) {

@@ -67,6 +67,30 @@ private:
     std::unique_ptr<char[]> m_bytes;
 };
 
+// Logs when it goes away.
+class Witness
+{
+public:
+    explicit Witness(const char* name, Lines* log) : m_name(name), m_log(log) {}
+    ~Witness() { m_log->push_back(m_name); }
+
+private:
+    std::string m_name;
+    Lines* m_log;
+};
+
+class WatchedTerm : public TermStd
+{
+public:
+    WatchedTerm(const ConfigInfo* record, const char* name, Lines* log)
+        : TermStd(record), m_witness(name, log)
+    {
+    }
+
+private:
+    Witness m_witness;
+};
+
 TEST_F(EntryPoints, InitReturns0ForALoadedRuleSet)
 {
     EXPECT_EQ(init(writeRuleSet(folder)), 0);
@@ -189,6 +213,20 @@ TEST_F(EntryPoints, SecondInitReplacesTheRuleSet)
     EXPECT_EQ(init(settings), 0);
     EXPECT_FALSE(convert(Message));
     EXPECT_TRUE(convert("-TITLE REJ -ARCID EIN21K"));
+}
+
+TEST_F(EntryPoints, SecondInitAndClearDeleteTheConverter)
+{
+    const QString settings = writeRuleSet(folder);
+    const ConfigInfo record;
+    Lines log;
+    init(settings);
+    mc->termsList.append(new WatchedTerm(&record, "first", &log));
+    init(settings);
+    EXPECT_EQ(log, Lines{"first"});
+    mc->termsList.append(new WatchedTerm(&record, "second", &log));
+    clear_adexp();
+    EXPECT_EQ(log, (Lines{"first", "second"}));
 }
 
 TEST_F(EntryPoints, FailedSecondInitLeavesNothingOfTheFirst)
@@ -353,30 +391,7 @@ TEST_F(EntryPoints, EveryConversionStartsAfresh)
     EXPECT_EQ(convert(Message), first);
 }
 
-// A converter's members go away with it: rules, which refer to terms, before the terms.
-class Witness
-{
-public:
-    explicit Witness(const char* name, Lines* log) : m_name(name), m_log(log) {}
-    ~Witness() { m_log->push_back(m_name); }
-
-private:
-    std::string m_name;
-    Lines* m_log;
-};
-
-class WatchedTerm : public TermStd
-{
-public:
-    WatchedTerm(const ConfigInfo* record, const char* name, Lines* log)
-        : TermStd(record), m_witness(name, log)
-    {
-    }
-
-private:
-    Witness m_witness;
-};
-
+// Rules refer to terms, so they go before them.
 class WatchedRule : public MsgRule
 {
 public:

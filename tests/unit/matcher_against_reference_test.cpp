@@ -25,18 +25,18 @@ namespace {
 class Chance
 {
 public:
-    explicit Chance(std::uint32_t seed)
-        : m_engine(seed)
-    {
-    }
+    explicit Chance(std::uint32_t seed) : m_engine(seed) {}
 
     /// A number from 0 to `count` - 1.
-    int below(int count) { return static_cast<int>(m_engine() % static_cast<std::uint32_t>(count)); }
+    int below(int count)
+    {
+        return static_cast<int>(m_engine() % static_cast<std::uint32_t>(count));
+    }
 
     bool oneIn(int count) { return below(count) == 0; }
 
-    template<typename List>
-    auto pick(const List &list)
+    template <typename List>
+    auto pick(const List& list)
     {
         return *(list.begin() + below(static_cast<int>(list.size())));
     }
@@ -57,12 +57,11 @@ using Definitions = std::vector<Definition>;
 class Comparison
 {
 public:
-    Comparison(const Definitions &definitions, const QString &expression)
-        : m_definitions(definitions)
-        , m_expression(expression)
+    Comparison(const Definitions& definitions, const QString& expression)
+        : m_definitions(definitions), m_expression(expression)
     {
         DiagnosticCapture diagnostics;
-        for (const Definition &definition : definitions) {
+        for (const Definition& definition : definitions) {
             m_terms.define(definition.name, definition.expression);
             m_grammar.define(definition.name, definition.expression);
         }
@@ -92,28 +91,30 @@ public:
         const bool isSound = m_grammar.isSound(*m_expected.term, QStringLiteral("R"));
         if (m_isValid != isSound)
             return differ("valid", isSound, m_isValid);
-        return !isSound || (agreesOnTheDump() && agreesOnTheLength(true) && agreesOnTheLength(false));
+        return !isSound ||
+               (agreesOnTheDump() && agreesOnTheLength(true) && agreesOnTheLength(false));
     }
 
     /// True if both can match texts with the expression.
     bool isValid() const { return m_isValid; }
 
-    const reference::Term &term() const { return *m_expected.term; }
-    const reference::Grammar &grammar() const { return m_grammar; }
+    const reference::Term& term() const { return *m_expected.term; }
+    const reference::Grammar& grammar() const { return m_grammar; }
 
     /// True if both take the same number of characters from the text. Needs a valid expression.
-    bool agreesOnTheText(const QString &text)
+    bool agreesOnTheText(const QString& text)
     {
         const int expected = m_grammar.matchedLength(*m_expected.term, text);
         const int actual = m_actual->parse(text.constData());
         m_lastLength = actual;
-        return actual == expected || differ(("length over the text " + readable(text)).c_str(), expected, actual);
+        return actual == expected ||
+               differ(("length over the text " + readable(text)).c_str(), expected, actual);
     }
 
     int lastLength() const { return m_lastLength; }
 
     /// What differed, with everything that is needed to repeat it.
-    const std::string &difference() const { return m_difference; }
+    const std::string& difference() const { return m_difference; }
 
 private:
     bool agreesOnTheDump()
@@ -133,24 +134,25 @@ private:
         return actual == expected || differ("longest length", expected, actual);
     }
 
-    bool differ(const char *what, const QString &expected, const QString &actual)
+    bool differ(const char* what, const QString& expected, const QString& actual)
     {
         return differ(what, readable(expected), readable(actual));
     }
 
-    template<typename Value>
-    bool differ(const char *what, const Value &expected, const Value &actual)
+    template <typename Value>
+    bool differ(const char* what, const Value& expected, const Value& actual)
     {
         std::ostringstream text;
         text << "expression: " << readable(m_expression) << "\n";
-        for (const Definition &definition : m_definitions)
-            text << "  where " << readable(definition.name) << " = " << readable(definition.expression) << "\n";
+        for (const Definition& definition : m_definitions)
+            text << "  where " << readable(definition.name) << " = "
+                 << readable(definition.expression) << "\n";
         text << what << ": expected " << expected << ", was " << actual << "\n";
         m_difference = text.str();
         return false;
     }
 
-    bool differ(const char *what, qint64 expected, int actual)
+    bool differ(const char* what, qint64 expected, int actual)
     {
         return differ(what, expected, static_cast<qint64>(actual));
     }
@@ -169,7 +171,7 @@ private:
 };
 
 /// All texts over the alphabet with at most `longest` characters.
-std::vector<QString> allTexts(const QString &alphabet, int longest)
+std::vector<QString> allTexts(const QString& alphabet, int longest)
 {
     std::vector<QString> texts{QString()};
     std::size_t first = 0;
@@ -189,10 +191,7 @@ std::vector<QString> allTexts(const QString &alphabet, int longest)
 class ExpressionWriter
 {
 public:
-    explicit ExpressionWriter(Chance *chance)
-        : m_chance(chance)
-    {
-    }
+    explicit ExpressionWriter(Chance* chance) : m_chance(chance) {}
 
     QString expression(int depth)
     {
@@ -209,8 +208,9 @@ public:
 private:
     QString sequenceOperator()
     {
-        static const QStringList operators{QStringLiteral(" "),   QStringLiteral(" "), QStringLiteral("!"),
-                                           QStringLiteral(" ! "), QStringLiteral("+"), QStringLiteral("  ")};
+        static const QStringList operators{QStringLiteral(" "), QStringLiteral(" "),
+                                           QStringLiteral("!"), QStringLiteral(" ! "),
+                                           QStringLiteral("+"), QStringLiteral("  ")};
         return m_chance->oneIn(60) ? QStringLiteral("|") : m_chance->pick(operators);
     }
 
@@ -227,22 +227,24 @@ private:
             return QStringLiteral("(%1)").arg(inner);
         default:
             // Only an atom may stand without brackets: its operators are not those around it.
-            return inner.contains(QChar(u' ')) || inner.contains(QChar(u'!')) || inner.contains(QChar(u'|'))
-                ? QStringLiteral("(%1)").arg(inner)
-                : inner;
+            return inner.contains(QChar(u' ')) || inner.contains(QChar(u'!')) ||
+                           inner.contains(QChar(u'|'))
+                       ? QStringLiteral("(%1)").arg(inner)
+                       : inner;
         }
     }
 
     QString atom()
     {
         static const QStringList atoms{
-            QStringLiteral("ALPHA"),    QStringLiteral("DIGIT"), QStringLiteral("ALPHANUM"), QStringLiteral("SEP"),
-            QStringLiteral("NIL"),      QStringLiteral("alpha"), QStringLiteral("LIM_CHAR"), QStringLiteral("'A'"),
-            QStringLiteral("'AB'"),     QStringLiteral("'1'"),   QStringLiteral("'A B'"),    QStringLiteral("'-'"),
+            QStringLiteral("ALPHA"),     QStringLiteral("DIGIT"), QStringLiteral("ALPHANUM"),
+            QStringLiteral("SEP"),       QStringLiteral("NIL"),   QStringLiteral("alpha"),
+            QStringLiteral("LIM_CHAR"),  QStringLiteral("'A'"),   QStringLiteral("'AB'"),
+            QStringLiteral("'1'"),       QStringLiteral("'A B'"), QStringLiteral("'-'"),
             QStringLiteral("CHARACTER"), QStringLiteral("sep"),
         };
-        static const QStringList names{QStringLiteral("X"), QStringLiteral("Y"), QStringLiteral("Z"),
-                                       QStringLiteral("x")};
+        static const QStringList names{QStringLiteral("X"), QStringLiteral("Y"),
+                                       QStringLiteral("Z"), QStringLiteral("x")};
         if (m_chance->oneIn(200))
             return QStringLiteral("UNDEFINED");
         if (m_chance->oneIn(200))
@@ -250,11 +252,17 @@ private:
         return m_chance->oneIn(3) ? m_chance->pick(names) : m_chance->pick(atoms);
     }
 
-    QString minimum() { return m_chance->oneIn(2) ? QString() : QString::number(m_chance->below(4)); }
+    QString minimum()
+    {
+        return m_chance->oneIn(2) ? QString() : QString::number(m_chance->below(4));
+    }
 
-    QString maximum() { return m_chance->oneIn(2) ? QString() : QString::number(m_chance->below(5)); }
+    QString maximum()
+    {
+        return m_chance->oneIn(2) ? QString() : QString::number(m_chance->below(5));
+    }
 
-    Chance *m_chance;
+    Chance* m_chance;
 };
 
 /**
@@ -264,13 +272,12 @@ private:
 class TextWriter
 {
 public:
-    TextWriter(Chance *chance, const std::vector<Definition> &definitions)
-        : m_chance(chance)
-        , m_definitions(definitions)
+    TextWriter(Chance* chance, const std::vector<Definition>& definitions)
+        : m_chance(chance), m_definitions(definitions)
     {
     }
 
-    QString text(const reference::Term &term)
+    QString text(const reference::Term& term)
     {
         QString result;
         write(term, &result);
@@ -278,7 +285,7 @@ public:
     }
 
     /// The text with one character put in, taken out or changed.
-    QString damaged(const QString &text)
+    QString damaged(const QString& text)
     {
         static const QString characters = QStringLiteral("AB1 \n-a*");
         const int at = m_chance->below(static_cast<int>(text.size()) + 1);
@@ -288,7 +295,7 @@ public:
     }
 
 private:
-    void write(const reference::Term &term, QString *text)
+    void write(const reference::Term& term, QString* text)
     {
         if (text->size() > 24)
             return;
@@ -303,7 +310,7 @@ private:
             writeOnce(term, text);
     }
 
-    void writeOnce(const reference::Term &term, QString *text)
+    void writeOnce(const reference::Term& term, QString* text)
     {
         switch (term.kind) {
         case reference::Kind::Keyword:
@@ -322,13 +329,13 @@ private:
             write(m_chance->pick(term.parts), text);
             return;
         }
-        for (const reference::Term &part : term.parts)
+        for (const reference::Term& part : term.parts)
             write(part, text);
     }
 
-    void writeDefinition(const QString &name, QString *text)
+    void writeDefinition(const QString& name, QString* text)
     {
-        for (const Definition &definition : m_definitions) {
+        for (const Definition& definition : m_definitions) {
             if (definition.name == name) {
                 write(*reference::compile(definition.expression).term, text);
                 return;
@@ -336,7 +343,7 @@ private:
         }
     }
 
-    QString keywordText(const QString &keyword)
+    QString keywordText(const QString& keyword)
     {
         static const QString letters = QStringLiteral("ABA\u0416");
         static const QString digits = QStringLiteral("121\u0663");
@@ -356,29 +363,30 @@ private:
         return QString(); // NIL
     }
 
-    Chance *m_chance;
-    const std::vector<Definition> &m_definitions;
+    Chance* m_chance;
+    const std::vector<Definition>& m_definitions;
 };
 
 } // namespace
 
-// Every sequence and choice of up to three decorated atoms, over every text of up to four characters.
+// Every sequence and choice of up to three decorated atoms, over every text of up to four
+// characters.
 TEST(MatcherAgainstReference, all_small_expressions_over_all_short_texts)
 {
     const QStringList atoms{QStringLiteral("ALPHA"), QStringLiteral("DIGIT"), QStringLiteral("SEP"),
                             QStringLiteral("'A'"), QStringLiteral("X")};
     QStringList parts;
-    for (const QString &atom : atoms) {
+    for (const QString& atom : atoms) {
         parts << atom << QStringLiteral("[%1]").arg(atom) << QStringLiteral("{%1}").arg(atom)
               << QStringLiteral("2{%1}2").arg(atom);
     }
     QStringList expressions = parts;
-    for (const QString &oper : {QStringLiteral(" "), QStringLiteral("!"), QStringLiteral("|")}) {
-        for (const QString &first : parts) {
-            for (const QString &second : parts) {
+    for (const QString& oper : {QStringLiteral(" "), QStringLiteral("!"), QStringLiteral("|")}) {
+        for (const QString& first : parts) {
+            for (const QString& second : parts) {
                 const QString two = first + oper + second;
                 expressions << two;
-                for (const QString &third : parts)
+                for (const QString& third : parts)
                     expressions << two + oper + third;
             }
         }
@@ -390,12 +398,12 @@ TEST(MatcherAgainstReference, all_small_expressions_over_all_short_texts)
     int pairs = 0;
     int matches = 0;
     Chance chance(1);
-    for (const QString &expression : expressions) {
+    for (const QString& expression : expressions) {
         Comparison comparison(definitions, expression);
         ASSERT_TRUE(comparison.agreesOnTheExpression()) << comparison.difference();
         ASSERT_TRUE(comparison.isValid()) << readable(expression);
         const bool isShort = expression.size() < 14;
-        for (const QString &text : isShort || chance.oneIn(8) ? texts : shortTexts) {
+        for (const QString& text : isShort || chance.oneIn(8) ? texts : shortTexts) {
             ASSERT_TRUE(comparison.agreesOnTheText(text)) << comparison.difference();
             ++pairs;
             matches += comparison.lastLength() > 0 ? 1 : 0;
@@ -416,13 +424,15 @@ TEST(MatcherAgainstReference, random_nested_expressions_with_definitions)
     for (int round = 0; round < rounds; ++round) {
         Definitions definitions;
         // Definitions refer to each other at random; those which form loops must be refused alike.
-        for (const QString &name : {QStringLiteral("X"), QStringLiteral("Y"), QStringLiteral("Z")}) {
+        for (const QString& name :
+             {QStringLiteral("X"), QStringLiteral("Y"), QStringLiteral("Z")}) {
             const bool isSimple = name != QLatin1String("X") || chance.oneIn(2);
-            definitions.push_back({name, isSimple ? QStringLiteral("%1{%2}3")
-                                                        .arg(chance.below(3))
-                                                        .arg(chance.oneIn(2) ? QStringLiteral("ALPHA | DIGIT")
-                                                                             : QStringLiteral("'1' ['/'] 'A'"))
-                                                  : writer.expression(1)});
+            definitions.push_back(
+                {name, isSimple ? QStringLiteral("%1{%2}3")
+                                      .arg(chance.below(3))
+                                      .arg(chance.oneIn(2) ? QStringLiteral("ALPHA | DIGIT")
+                                                           : QStringLiteral("'1' ['/'] 'A'"))
+                                : writer.expression(1)});
         }
         Comparison comparison(definitions, writer.expression(3));
         ASSERT_TRUE(comparison.agreesOnTheExpression()) << comparison.difference();
@@ -432,7 +442,8 @@ TEST(MatcherAgainstReference, random_nested_expressions_with_definitions)
         TextWriter texts(&chance, definitions);
         for (int i = 0; i < 14; ++i) {
             const QString good = texts.text(comparison.term());
-            for (const QString &text : {good, texts.damaged(good), texts.damaged(texts.damaged(good))}) {
+            for (const QString& text :
+                 {good, texts.damaged(good), texts.damaged(texts.damaged(good))}) {
                 ASSERT_TRUE(comparison.agreesOnTheText(text)) << comparison.difference();
                 ++pairs;
                 matches += comparison.lastLength() > 0 ? 1 : 0;
@@ -451,9 +462,10 @@ TEST(MatcherAgainstReference, definitions_which_refer_to_each_other_at_random)
     int sound = 0;
     const QStringList names{QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("C"),
                             QStringLiteral("D"), QStringLiteral("R")};
-    const QStringList forms{QStringLiteral("%1"),         QStringLiteral("[%1] DIGIT"), QStringLiteral("DIGIT"),
-                            QStringLiteral("DIGIT | %1"), QStringLiteral("2{%1}3"),     QStringLiteral("(SEP ! %1)"),
-                            QStringLiteral("%1 ! %2"),    QStringLiteral("'X'")};
+    const QStringList forms{QStringLiteral("%1"),      QStringLiteral("[%1] DIGIT"),
+                            QStringLiteral("DIGIT"),   QStringLiteral("DIGIT | %1"),
+                            QStringLiteral("2{%1}3"),  QStringLiteral("(SEP ! %1)"),
+                            QStringLiteral("%1 ! %2"), QStringLiteral("'X'")};
     const auto definition = [&chance, &names, &forms] {
         QString text = chance.pick(forms);
         text.replace(QStringLiteral("%1"), chance.pick(names));
@@ -474,18 +486,19 @@ TEST(MatcherAgainstReference, definitions_which_refer_to_each_other_at_random)
 // Whatever can be written with these pieces, most of it wrong: the same reports, the same dump.
 TEST(CompilerAgainstReference, all_short_strings_of_tokens)
 {
-    const QStringList tokens{QStringLiteral("A"), QStringLiteral(" "), QStringLiteral("|"), QStringLiteral("!"),
-                             QStringLiteral("+"), QStringLiteral("'"), QStringLiteral("("), QStringLiteral(")"),
-                             QStringLiteral("["), QStringLiteral("]"), QStringLiteral("{"), QStringLiteral("}"),
+    const QStringList tokens{QStringLiteral("A"), QStringLiteral(" "),  QStringLiteral("|"),
+                             QStringLiteral("!"), QStringLiteral("+"),  QStringLiteral("'"),
+                             QStringLiteral("("), QStringLiteral(")"),  QStringLiteral("["),
+                             QStringLiteral("]"), QStringLiteral("{"),  QStringLiteral("}"),
                              QStringLiteral("2"), QStringLiteral("SEP")};
     std::vector<QString> level{QString()};
     for (int length = 1; length <= 4; ++length) {
         std::vector<QString> longer;
-        for (const QString &text : level) {
-            for (const QString &token : tokens)
+        for (const QString& text : level) {
+            for (const QString& token : tokens)
                 longer.push_back(text + token);
         }
-        for (const QString &text : longer) {
+        for (const QString& text : longer) {
             Comparison comparison({}, text);
             ASSERT_TRUE(comparison.agreesOnTheExpression()) << comparison.difference();
         }
@@ -496,14 +509,17 @@ TEST(CompilerAgainstReference, all_short_strings_of_tokens)
 TEST(CompilerAgainstReference, random_strings_of_tokens)
 {
     const QStringList tokens{
-        QStringLiteral("A"),   QStringLiteral("digit"), QStringLiteral("SEP"), QStringLiteral("sep"),
-        QStringLiteral("'x'"), QStringLiteral("' '"),   QStringLiteral("'"),   QStringLiteral("("),
-        QStringLiteral("("),   QStringLiteral(")"),     QStringLiteral(")"),   QStringLiteral("["),
-        QStringLiteral("["),   QStringLiteral("]"),     QStringLiteral("]"),   QStringLiteral("{"),
-        QStringLiteral("{"),   QStringLiteral("}"),     QStringLiteral("}"),   QStringLiteral("}3"),
-        QStringLiteral("2{"),  QStringLiteral("-3"),    QStringLiteral("|"),   QStringLiteral("|"),
-        QStringLiteral("!"),   QStringLiteral("+"),     QStringLiteral(" "),   QStringLiteral(" "),
-        QStringLiteral("\n "), QStringLiteral("5"),     QStringLiteral("99999999999"), QStringLiteral("\u00e9"),
+        QStringLiteral("A"),           QStringLiteral("digit"),  QStringLiteral("SEP"),
+        QStringLiteral("sep"),         QStringLiteral("'x'"),    QStringLiteral("' '"),
+        QStringLiteral("'"),           QStringLiteral("("),      QStringLiteral("("),
+        QStringLiteral(")"),           QStringLiteral(")"),      QStringLiteral("["),
+        QStringLiteral("["),           QStringLiteral("]"),      QStringLiteral("]"),
+        QStringLiteral("{"),           QStringLiteral("{"),      QStringLiteral("}"),
+        QStringLiteral("}"),           QStringLiteral("}3"),     QStringLiteral("2{"),
+        QStringLiteral("-3"),          QStringLiteral("|"),      QStringLiteral("|"),
+        QStringLiteral("!"),           QStringLiteral("+"),      QStringLiteral(" "),
+        QStringLiteral(" "),           QStringLiteral("\n "),    QStringLiteral("5"),
+        QStringLiteral("99999999999"), QStringLiteral("\u00e9"),
     };
     Chance chance(42);
     int compiled = 0;

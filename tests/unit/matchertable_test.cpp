@@ -23,12 +23,12 @@ class Definitions
 public:
     constexpr Definitions(std::initializer_list<Definition> definitions)
     {
-        for (const Definition &definition : definitions)
+        for (const Definition& definition : definitions)
             m_definitions[m_count++] = definition;
     }
 
-    const Definition *begin() const { return m_definitions; }
-    const Definition *end() const { return m_definitions + m_count; }
+    const Definition* begin() const { return m_definitions; }
+    const Definition* end() const { return m_definitions + m_count; }
 
 private:
     Definition m_definitions[3];
@@ -43,14 +43,14 @@ struct Row
     int matched; ///< UTF-16 units
 };
 
-void checkRow(const Row &row)
+void checkRow(const Row& row)
 {
     const QString expression = row.expression;
     const QString text = row.text;
     SCOPED_TRACE("expression: " + readable(expression) + "   text: " + readable(text));
     DiagnosticCapture diagnostics;
     TermSet definitions;
-    for (const Definition &definition : row.definitions)
+    for (const Definition& definition : row.definitions)
         ASSERT_TRUE(definitions.define(definition.name, definition.expression));
     const auto term = compileDefinition(QStringLiteral("R"), expression);
     ASSERT_TRUE(term);
@@ -60,10 +60,10 @@ void checkRow(const Row &row)
     EXPECT_TRUE(diagnostics.lines().empty()) << "matching reports nothing";
 }
 
-template<std::size_t Count>
+template <std::size_t Count>
 void checkTable(const Row (&rows)[Count])
 {
-    for (const Row &row : rows)
+    for (const Row& row : rows)
         checkRow(row);
 }
 
@@ -80,12 +80,12 @@ TEST(MatcherTable, digit)
         {{}, u"DIGIT", u"A", 0},
         {{}, u"DIGIT", u"", 0},
         {{}, u"DIGIT", u" 1", 0},
-        {{}, u"DIGIT", u"\u0663", 1}, // Arabic-Indic three
-        {{}, u"DIGIT", u"\u0967", 1}, // Devanagari one
-        {{}, u"DIGIT", u"\uff15", 1}, // fullwidth five
-        {{}, u"DIGIT", u"\u00b2", 0}, // superscript two
-        {{}, u"DIGIT", u"\u00bd", 0}, // one half
-        {{}, u"DIGIT", u"\u2167", 0}, // Roman numeral eight
+        {{}, u"DIGIT", u"\u0663", 1},     // Arabic-Indic three
+        {{}, u"DIGIT", u"\u0967", 1},     // Devanagari one
+        {{}, u"DIGIT", u"\uff15", 1},     // fullwidth five
+        {{}, u"DIGIT", u"\u00b2", 0},     // superscript two
+        {{}, u"DIGIT", u"\u00bd", 0},     // one half
+        {{}, u"DIGIT", u"\u2167", 0},     // Roman numeral eight
         {{}, u"DIGIT", u"\U0001d7ce", 0}, // a digit, but outside the sixteen-bit range
     });
 }
@@ -93,24 +93,18 @@ TEST(MatcherTable, digit)
 TEST(MatcherTable, alpha)
 {
     checkTable({
-        {{}, u"ALPHA", u"Ab", 1},
-        {{}, u"ALPHA", u"abc", 0},
-        {{}, u"ALPHA", u"1", 0},
-        {{}, u"ALPHA", u"-", 0},
-        {{}, u"ALPHA", u" A", 0},
-        {{}, u"ALPHA", u"\u00c9", 1}, // E with acute
-        {{}, u"ALPHA", u"\u00e9", 0},
-        {{}, u"ALPHA", u"\u0416", 1}, // Cyrillic Zhe
-        {{}, u"ALPHA", u"\u0436", 0},
-        {{}, u"ALPHA", u"\u03a9", 1}, // Greek Omega
-        {{}, u"ALPHA", u"\u03c9", 0},
-        {{}, u"ALPHA", u"\uff21", 1}, // fullwidth A
-        {{}, u"ALPHA", u"\u01c5", 0}, // title case
-        {{}, u"ALPHA", u"\u05d0", 0}, // a letter without case
-        {{}, u"ALPHA", u"\u00aa", 0}, // ordinal indicator
-        {{}, u"ALPHA", u"\u02b0", 0}, // modifier letter
-        {{}, u"ALPHA", u"\u2160", 0}, // Roman numeral one
-        {{}, u"ALPHA", u"\u24b6", 0}, // circled A
+        {{}, u"ALPHA", u"Ab", 1},         {{}, u"ALPHA", u"abc", 0},
+        {{}, u"ALPHA", u"1", 0},          {{}, u"ALPHA", u"-", 0},
+        {{}, u"ALPHA", u" A", 0},         {{}, u"ALPHA", u"\u00c9", 1}, // E with acute
+        {{}, u"ALPHA", u"\u00e9", 0},     {{}, u"ALPHA", u"\u0416", 1}, // Cyrillic Zhe
+        {{}, u"ALPHA", u"\u0436", 0},     {{}, u"ALPHA", u"\u03a9", 1}, // Greek Omega
+        {{}, u"ALPHA", u"\u03c9", 0},     {{}, u"ALPHA", u"\uff21", 1}, // fullwidth A
+        {{}, u"ALPHA", u"\u01c5", 0},                                   // title case
+        {{}, u"ALPHA", u"\u05d0", 0},                                   // a letter without case
+        {{}, u"ALPHA", u"\u00aa", 0},                                   // ordinal indicator
+        {{}, u"ALPHA", u"\u02b0", 0},                                   // modifier letter
+        {{}, u"ALPHA", u"\u2160", 0},                                   // Roman numeral one
+        {{}, u"ALPHA", u"\u24b6", 0},                                   // circled A
         {{}, u"ALPHA", u"\U00010400", 0}, // a capital, but outside the sixteen-bit range
     });
 }
@@ -133,32 +127,32 @@ TEST(MatcherTable, alphanum)
 TEST(MatcherTable, character)
 {
     checkTable({
-        {{}, u"CHARACTER", u"A", 1},       {{}, u"CHARACTER", u"5", 1},
-        {{}, u"CHARACTER", u"\u0416", 1},  {{}, u"CHARACTER", u"\u0663", 1},
-        {{}, u"CHARACTER", u"-", 1},       {{}, u"CHARACTER", u"(", 1},
-        {{}, u"CHARACTER", u")", 1},       {{}, u"CHARACTER", u"?", 1},
-        {{}, u"CHARACTER", u":", 1},       {{}, u"CHARACTER", u".", 1},
-        {{}, u"CHARACTER", u",", 1},       {{}, u"CHARACTER", u"'", 1},
-        {{}, u"CHARACTER", u"=", 1},       {{}, u"CHARACTER", u"+", 1},
-        {{}, u"CHARACTER", u"/", 1},       {{}, u"CHARACTER", u" ", 1},
-        {{}, u"CHARACTER", u"\n", 1},      {{}, u"CHARACTER", u"\t", 1},
-        {{}, u"CHARACTER", u"\r", 1},      {{}, u"CHARACTER", u"\v", 1},
-        {{}, u"CHARACTER", u"\f", 1},      {{}, u"CHARACTER", u"\u00a0", 1},
-        {{}, u"CHARACTER", u"\u2028", 1},  {{}, u"CHARACTER", u"\u2029", 1},
-        {{}, u"CHARACTER", u"\u3000", 1},  {{}, u"CHARACTER", u"*", 0},
-        {{}, u"CHARACTER", u"_", 0},       {{}, u"CHARACTER", u"!", 0},
-        {{}, u"CHARACTER", u"\"", 0},      {{}, u"CHARACTER", u"a", 0},
-        {{}, u"CHARACTER", u"\u0436", 0},  {{}, u"CHARACTER", u";", 0},
-        {{}, u"CHARACTER", u"&", 0},       {{}, u"CHARACTER", u"<", 0},
-        {{}, u"CHARACTER", u">", 0},       {{}, u"CHARACTER", u"@", 0},
-        {{}, u"CHARACTER", u"#", 0},       {{}, u"CHARACTER", u"%", 0},
-        {{}, u"CHARACTER", u"$", 0},       {{}, u"CHARACTER", u"\\", 0},
-        {{}, u"CHARACTER", u"[", 0},       {{}, u"CHARACTER", u"{", 0},
-        {{}, u"CHARACTER", u"|", 0},       {{}, u"CHARACTER", u"~", 0},
-        {{}, u"CHARACTER", u"^", 0},       {{}, u"CHARACTER", u"`", 0},
-        {{}, u"CHARACTER", u"\x01", 0},  {{}, u"CHARACTER", u"\u2010", 0},
-        {{}, u"CHARACTER", u"\u2212", 0},  {{}, u"CHARACTER", u"\u200b", 0},
-        {{}, u"CHARACTER", u"\u00d7", 0},  {{}, u"CHARACTER", u"\xd83d", 0},
+        {{}, u"CHARACTER", u"A", 1},          {{}, u"CHARACTER", u"5", 1},
+        {{}, u"CHARACTER", u"\u0416", 1},     {{}, u"CHARACTER", u"\u0663", 1},
+        {{}, u"CHARACTER", u"-", 1},          {{}, u"CHARACTER", u"(", 1},
+        {{}, u"CHARACTER", u")", 1},          {{}, u"CHARACTER", u"?", 1},
+        {{}, u"CHARACTER", u":", 1},          {{}, u"CHARACTER", u".", 1},
+        {{}, u"CHARACTER", u",", 1},          {{}, u"CHARACTER", u"'", 1},
+        {{}, u"CHARACTER", u"=", 1},          {{}, u"CHARACTER", u"+", 1},
+        {{}, u"CHARACTER", u"/", 1},          {{}, u"CHARACTER", u" ", 1},
+        {{}, u"CHARACTER", u"\n", 1},         {{}, u"CHARACTER", u"\t", 1},
+        {{}, u"CHARACTER", u"\r", 1},         {{}, u"CHARACTER", u"\v", 1},
+        {{}, u"CHARACTER", u"\f", 1},         {{}, u"CHARACTER", u"\u00a0", 1},
+        {{}, u"CHARACTER", u"\u2028", 1},     {{}, u"CHARACTER", u"\u2029", 1},
+        {{}, u"CHARACTER", u"\u3000", 1},     {{}, u"CHARACTER", u"*", 0},
+        {{}, u"CHARACTER", u"_", 0},          {{}, u"CHARACTER", u"!", 0},
+        {{}, u"CHARACTER", u"\"", 0},         {{}, u"CHARACTER", u"a", 0},
+        {{}, u"CHARACTER", u"\u0436", 0},     {{}, u"CHARACTER", u";", 0},
+        {{}, u"CHARACTER", u"&", 0},          {{}, u"CHARACTER", u"<", 0},
+        {{}, u"CHARACTER", u">", 0},          {{}, u"CHARACTER", u"@", 0},
+        {{}, u"CHARACTER", u"#", 0},          {{}, u"CHARACTER", u"%", 0},
+        {{}, u"CHARACTER", u"$", 0},          {{}, u"CHARACTER", u"\\", 0},
+        {{}, u"CHARACTER", u"[", 0},          {{}, u"CHARACTER", u"{", 0},
+        {{}, u"CHARACTER", u"|", 0},          {{}, u"CHARACTER", u"~", 0},
+        {{}, u"CHARACTER", u"^", 0},          {{}, u"CHARACTER", u"`", 0},
+        {{}, u"CHARACTER", u"\x01", 0},       {{}, u"CHARACTER", u"\u2010", 0},
+        {{}, u"CHARACTER", u"\u2212", 0},     {{}, u"CHARACTER", u"\u200b", 0},
+        {{}, u"CHARACTER", u"\u00d7", 0},     {{}, u"CHARACTER", u"\xd83d", 0},
         {{}, u"CHARACTER", u"\U0001f6e9", 0}, {{}, u"CHARACTER", u"", 0},
         {{}, u"CHARACTER", u"\0A", 0},
     });
@@ -403,7 +397,7 @@ TEST(MatcherTable, optional_term_counts_as_absent_if_its_separator_is_missing)
         {Letters, u"[A] B", u"A", 0},
         {Letters, u"[A] SEP", u"A", 0},
         {Letters, u"[A] SEP", u"A ", 2},
-        {Letters, u"[B] 'B'", u"B", 0}, // no separator is inserted before a literal
+        {Letters, u"[B] 'B'", u"B", 0},           // no separator is inserted before a literal
         {{}, u"[2{DIGIT}2] 1{DIGIT}", u"123", 3}, // the skipped digits are read again
         {{}, u"[2{DIGIT}2] 1{DIGIT}", u"12 3", 4},
         // The end of the text is no separator either.

@@ -25,7 +25,7 @@ constexpr int Unlimited = 0x1fffffff;
 /// A record of the given rule text, ready for a term's constructor.
 struct Record
 {
-    explicit Record(const Utf16Text &ruleText, const Utf16Text &name = u"R")
+    explicit Record(const Utf16Text& ruleText, const Utf16Text& name = u"R")
     {
         fillRecord(&item, name, ruleText);
     }
@@ -39,25 +39,25 @@ std::unique_ptr<TermStd> standardTerm(int kind)
     return std::make_unique<TermStd>(kind, &record.item);
 }
 
-std::unique_ptr<TermSimple> literal(const Utf16Text &text)
+std::unique_ptr<TermSimple> literal(const Utf16Text& text)
 {
     const Record record(text);
     return std::make_unique<TermSimple>(&record.item);
 }
 
-std::unique_ptr<TermVariable> reference(const Utf16Text &target)
+std::unique_ptr<TermVariable> reference(const Utf16Text& target)
 {
     const Record record(target);
     return std::make_unique<TermVariable>(&record.item);
 }
 
-std::unique_ptr<TermExpression> expression(const Utf16Text &text)
+std::unique_ptr<TermExpression> expression(const Utf16Text& text)
 {
     const Record record(text);
     return std::make_unique<TermExpression>(&record.item);
 }
 
-template<typename Term>
+template <typename Term>
 std::unique_ptr<Term> repeated(std::unique_ptr<Term> term, int least, int most)
 {
     term->bracketType = Repeated;
@@ -66,7 +66,7 @@ std::unique_ptr<Term> repeated(std::unique_ptr<Term> term, int least, int most)
 }
 
 /// The only critical message of a capture, blanks between its items evened out.
-std::string onlyInternalError(const DiagnosticCapture &diagnostics)
+std::string onlyInternalError(const DiagnosticCapture& diagnostics)
 {
     const QStringList lines = diagnostics.criticalLines();
     if (lines.size() != 1)
@@ -74,12 +74,13 @@ std::string onlyInternalError(const DiagnosticCapture &diagnostics)
     return lines.first().simplified().toStdString();
 }
 
-bool endsWith(const std::string &text, const std::string &end)
+bool endsWith(const std::string& text, const std::string& end)
 {
-    return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
+    return text.size() >= end.size() &&
+           text.compare(text.size() - end.size(), end.size(), end) == 0;
 }
 
-std::string joined(const QStringList &texts)
+std::string joined(const QStringList& texts)
 {
     return texts.join(QChar(u'\n')).toStdString();
 }
@@ -159,8 +160,9 @@ TEST(StandardTerm, unknown_kind_is_an_internal_error)
         const auto term = standardTerm(kind);
         DiagnosticCapture diagnostics;
         EXPECT_EQ(term->parse(text.constData()), 0);
-        EXPECT_TRUE(endsWith(onlyInternalError(diagnostics),
-                             "real_parse(const QChar*) unknown StdTerm type = " + std::to_string(kind)))
+        EXPECT_TRUE(
+            endsWith(onlyInternalError(diagnostics),
+                     "real_parse(const QChar*) unknown StdTerm type = " + std::to_string(kind)))
             << onlyInternalError(diagnostics);
     }
 }
@@ -248,7 +250,7 @@ TEST(StandardTerm, only_an_unbounded_run_of_CHARACTER_is_character_without_limit
 
 TEST(RepeatCount, table)
 {
-    const char *spaces = "in adexp the number of spaces does not matter";
+    const char* spaces = "in adexp the number of spaces does not matter";
     const int digit = 4;
     const int sep = 5;
     const struct
@@ -280,9 +282,10 @@ TEST(RepeatCount, table)
         {sep, 2, 2, 0, 0, 0,
          std::string(spaces) + "\nminimum repeat count = 1 more than maximum repeat count = 0"},
     };
-    for (const auto &row : rows) {
-        SCOPED_TRACE("kind " + std::to_string(row.kind) + " bracket " + std::to_string(row.bracketType) + ": "
-                     + std::to_string(row.least) + ", " + std::to_string(row.most));
+    for (const auto& row : rows) {
+        SCOPED_TRACE("kind " + std::to_string(row.kind) + " bracket " +
+                     std::to_string(row.bracketType) + ": " + std::to_string(row.least) + ", " +
+                     std::to_string(row.most));
         const auto term = standardTerm(row.kind);
         term->bracketType = row.bracketType;
         DiagnosticCapture diagnostics;
@@ -312,7 +315,8 @@ TEST(TermReport, has_three_quoted_items_each_followed_by_a_blank)
     ASSERT_EQ(diagnostics.lines().size(), 1u);
     EXPECT_EQ(diagnostics.lines()[0].type, QtDebugMsg);
     EXPECT_EQ(diagnostics.lines()[0].text.toStdString(),
-              "\"element (FL_LEVEL) file simple.xml line 12, column 5: \" \"F {DIGIT}3\" \"say \"no\"\" ");
+              "\"element (FL_LEVEL) file simple.xml line 12, column 5: \" \"F {DIGIT}3\" \"say "
+              "\"no\"\" ");
 }
 
 TEST(TermDump, decorations)
@@ -335,8 +339,8 @@ TEST(TermDump, decorations)
 
 TEST(TermDump, names_of_the_kinds)
 {
-    const char *names[] = {"UNKNOWN", "CHARACTER", "ALPHANUM", "ALPHA", "DIGIT", "SEP", "NIL", "LIM_CHAR",
-                           "UNKNOWN", "UNKNOWN"};
+    const char* names[] = {"UNKNOWN", "CHARACTER", "ALPHANUM", "ALPHA",   "DIGIT",
+                           "SEP",     "NIL",       "LIM_CHAR", "UNKNOWN", "UNKNOWN"};
     for (int kind = 0; kind < 10; ++kind)
         EXPECT_EQ(standardTerm(kind)->dumpData(false).toStdString(), names[kind]);
     EXPECT_EQ(standardTerm(11)->dumpData(false), QStringLiteral("UNKNOWN"));
@@ -374,20 +378,27 @@ TEST(TermDump, resolved_reference)
 TEST(TermDump, expression_shows_round_brackets_only_inside_another_and_never_with_a_count)
 {
     const auto term = expression(u"DIGIT | ALPHA");
-    EXPECT_EQ(term->dumpData(true), QStringLiteral("<TermExpression>DIGIT | ALPHA</TermExpression>"));
-    EXPECT_EQ(term->dumpData(false), QStringLiteral("(<TermExpression>DIGIT | ALPHA</TermExpression>)"));
+    EXPECT_EQ(term->dumpData(true),
+              QStringLiteral("<TermExpression>DIGIT | ALPHA</TermExpression>"));
+    EXPECT_EQ(term->dumpData(false),
+              QStringLiteral("(<TermExpression>DIGIT | ALPHA</TermExpression>)"));
     term->bracketType = Optional;
-    EXPECT_EQ(term->dumpData(true), QStringLiteral("<TermExpression>DIGIT | ALPHA</TermExpression>"));
-    EXPECT_EQ(term->dumpData(false), QStringLiteral("(<TermExpression>DIGIT | ALPHA</TermExpression>)"));
+    EXPECT_EQ(term->dumpData(true),
+              QStringLiteral("<TermExpression>DIGIT | ALPHA</TermExpression>"));
+    EXPECT_EQ(term->dumpData(false),
+              QStringLiteral("(<TermExpression>DIGIT | ALPHA</TermExpression>)"));
     term->bracketType = Repeated;
     term->setRepeatCount(2, 3);
-    EXPECT_EQ(term->dumpData(true), QStringLiteral("2{<TermExpression>DIGIT | ALPHA</TermExpression>}3"));
-    EXPECT_EQ(term->dumpData(false), QStringLiteral("2{<TermExpression>DIGIT | ALPHA</TermExpression>}3"));
+    EXPECT_EQ(term->dumpData(true),
+              QStringLiteral("2{<TermExpression>DIGIT | ALPHA</TermExpression>}3"));
+    EXPECT_EQ(term->dumpData(false),
+              QStringLiteral("2{<TermExpression>DIGIT | ALPHA</TermExpression>}3"));
 }
 
 TEST(TermDump, expression_of_one_term_shows_neither_operator_nor_blank)
 {
-    EXPECT_EQ(expression(u"DIGIT")->dumpData(true), QStringLiteral("<TermExpression>DIGIT</TermExpression>"));
+    EXPECT_EQ(expression(u"DIGIT")->dumpData(true),
+              QStringLiteral("<TermExpression>DIGIT</TermExpression>"));
 }
 
 TEST(TermDump, missing_operator_shows_as_a_question_mark_and_is_an_internal_error)
@@ -395,9 +406,11 @@ TEST(TermDump, missing_operator_shows_as_a_question_mark_and_is_an_internal_erro
     const auto term = expression(u"DIGIT!ALPHA!SEP");
     term->OperatorsList = QStringLiteral("!");
     DiagnosticCapture diagnostics;
-    EXPECT_EQ(term->dumpData(true), QStringLiteral("<TermExpression>DIGIT ! ALPHA ? SEP</TermExpression>"));
-    EXPECT_EQ(onlyInternalError(diagnostics),
-              "virtual QString TermExpression::dumpData(bool) const i = 1 OperatorsList.length() = 1");
+    EXPECT_EQ(term->dumpData(true),
+              QStringLiteral("<TermExpression>DIGIT ! ALPHA ? SEP</TermExpression>"));
+    EXPECT_EQ(
+        onlyInternalError(diagnostics),
+        "virtual QString TermExpression::dumpData(bool) const i = 1 OperatorsList.length() = 1");
 }
 
 TEST(Literal, keeps_its_text_simplified)
@@ -478,7 +491,8 @@ TEST(Reference, unresolved_one_reports_an_internal_error_where_it_needs_its_targ
     diagnostics.clear();
 
     EXPECT_FALSE(term->isCharacterNoLimit());
-    EXPECT_TRUE(endsWith(onlyInternalError(diagnostics), "TermVariable::isCharacterNoLimit() simpleTerm == 0"))
+    EXPECT_TRUE(endsWith(onlyInternalError(diagnostics),
+                         "TermVariable::isCharacterNoLimit() simpleTerm == 0"))
         << onlyInternalError(diagnostics);
     diagnostics.clear();
 
@@ -489,8 +503,9 @@ TEST(Reference, unresolved_one_reports_an_internal_error_where_it_needs_its_targ
     diagnostics.clear();
 
     EXPECT_FALSE(term->isFirstRequiredField(term.get()));
-    EXPECT_TRUE(endsWith(onlyInternalError(diagnostics),
-                         "TermVariable::isFirstRequiredField(const TermStd*) const simpleTerm == 0"))
+    EXPECT_TRUE(
+        endsWith(onlyInternalError(diagnostics),
+                 "TermVariable::isFirstRequiredField(const TermStd*) const simpleTerm == 0"))
         << onlyInternalError(diagnostics);
 }
 
@@ -532,7 +547,7 @@ TEST(Reference, set_guard_is_a_loop)
     diagnostics.clear();
     EXPECT_FALSE(term->check_config(set.terms()));
     EXPECT_EQ(joined(diagnostics.reportedTexts()), "loop detected in the variables");
-    EXPECT_TRUE(term->valid); // left as it was
+    EXPECT_TRUE(term->valid);                                // left as it was
     EXPECT_EQ(term->calculateOfLengthData(true), Unlimited); // no guard here
 }
 
@@ -540,7 +555,7 @@ TEST(ReferenceCheck, resolves_to_the_first_term_of_the_name)
 {
     TermSet set;
     set.define(QStringLiteral("Y"), QStringLiteral("SEP"));
-    TermStd *first = set.define(QStringLiteral("X"), QStringLiteral("DIGIT"));
+    TermStd* first = set.define(QStringLiteral("X"), QStringLiteral("DIGIT"));
     set.define(QStringLiteral("X"), QStringLiteral("ALPHA"));
     const auto term = reference(u"X");
     DiagnosticCapture diagnostics;
@@ -611,12 +626,12 @@ TEST(ReferenceCheck, errors_in_the_order_of_the_tests)
 TEST(ReferenceCheck, record_that_refers_to_itself)
 {
     TermSet set;
-    TermStd *term = set.define(QStringLiteral("A"), QStringLiteral("A"));
+    TermStd* term = set.define(QStringLiteral("A"), QStringLiteral("A"));
     DiagnosticCapture diagnostics;
     EXPECT_FALSE(term->check_config(set.terms()));
     EXPECT_EQ(joined(diagnostics.reportedTexts()), "variable points to itself");
     diagnostics.clear();
-    TermStd *deep = set.define(QStringLiteral("D"), QStringLiteral("DIGIT [{SEP ! D}]"));
+    TermStd* deep = set.define(QStringLiteral("D"), QStringLiteral("DIGIT [{SEP ! D}]"));
     EXPECT_FALSE(deep->check_config(set.terms()));
     EXPECT_EQ(joined(diagnostics.reportedTexts()), "variable points to itself");
 }
@@ -624,14 +639,13 @@ TEST(ReferenceCheck, record_that_refers_to_itself)
 TEST(ReferenceCheck, loop_of_two_records)
 {
     TermSet set;
-    TermStd *a = set.define(QStringLiteral("A"), QStringLiteral("B"));
-    TermStd *b = set.define(QStringLiteral("B"), QStringLiteral("A"));
+    TermStd* a = set.define(QStringLiteral("A"), QStringLiteral("B"));
+    TermStd* b = set.define(QStringLiteral("B"), QStringLiteral("A"));
     DiagnosticCapture diagnostics;
     EXPECT_FALSE(a->check_config(set.terms()));
-    EXPECT_EQ(joined(diagnostics.reportedTexts()),
-              "loop detected in the variables\n"
-              "variable A was found, but variable not valid\n"
-              "variable B was found, but variable not valid");
+    EXPECT_EQ(joined(diagnostics.reportedTexts()), "loop detected in the variables\n"
+                                                   "variable A was found, but variable not valid\n"
+                                                   "variable B was found, but variable not valid");
     EXPECT_FALSE(a->valid);
     EXPECT_FALSE(b->valid);
     // Marked while they were checked on the way, in spite of the failure.
@@ -642,20 +656,21 @@ TEST(ReferenceCheck, loop_of_two_records)
 TEST(ReferenceCheck, loop_through_expressions)
 {
     TermSet set;
-    TermStd *a = set.define(QStringLiteral("A"), QStringLiteral("DIGIT B"));
+    TermStd* a = set.define(QStringLiteral("A"), QStringLiteral("DIGIT B"));
     set.define(QStringLiteral("B"), QStringLiteral("DIGIT | (C ! C)"));
     set.define(QStringLiteral("C"), QStringLiteral("[A]"));
     DiagnosticCapture diagnostics;
     EXPECT_FALSE(a->check_config(set.terms()));
     const QStringList texts = diagnostics.reportedTexts();
     EXPECT_EQ(texts.value(0), QStringLiteral("loop detected in the variables"));
-    EXPECT_EQ(texts.value(texts.size() - 1), QStringLiteral("variable B was found, but variable not valid"));
+    EXPECT_EQ(texts.value(texts.size() - 1),
+              QStringLiteral("variable B was found, but variable not valid"));
 }
 
 TEST(ReferenceCheck, target_that_failed_before_is_not_checked_again)
 {
     TermSet set;
-    TermStd *bad = set.define(QStringLiteral("BAD"), QStringLiteral("' '"));
+    TermStd* bad = set.define(QStringLiteral("BAD"), QStringLiteral("' '"));
     DiagnosticCapture diagnostics;
     EXPECT_FALSE(reference(u"BAD")->check_config(set.terms()));
     EXPECT_EQ(joined(diagnostics.reportedTexts()),
@@ -663,13 +678,14 @@ TEST(ReferenceCheck, target_that_failed_before_is_not_checked_again)
     EXPECT_TRUE(bad->configChecked);
     diagnostics.clear();
     EXPECT_FALSE(reference(u"BAD")->check_config(set.terms()));
-    EXPECT_EQ(joined(diagnostics.reportedTexts()), "variable BAD was found, but variable not valid");
+    EXPECT_EQ(joined(diagnostics.reportedTexts()),
+              "variable BAD was found, but variable not valid");
 }
 
 TEST(ReferenceCheck, mark_and_validity_of_a_checked_target_are_believed)
 {
     TermSet set;
-    TermStd *term = set.define(QStringLiteral("X"), QStringLiteral("UNDEFINED"));
+    TermStd* term = set.define(QStringLiteral("X"), QStringLiteral("UNDEFINED"));
     term->configChecked = true;
     term->valid = true;
     DiagnosticCapture diagnostics;
@@ -721,10 +737,10 @@ TEST(Reference, character_without_limit_is_the_answer_of_the_target_whatever_its
 TEST(Reference, answers_about_fields_are_those_of_the_target)
 {
     TermSet set;
-    TermStd *field = set.define(QStringLiteral("FIELD"), QStringLiteral("DIGIT"));
+    TermStd* field = set.define(QStringLiteral("FIELD"), QStringLiteral("DIGIT"));
     field->containsField = true;
-    TermStd *block = set.define(QStringLiteral("BLOCK"), QStringLiteral("FIELD DIGIT"));
-    TermStd *plain = set.define(QStringLiteral("PLAIN"), QStringLiteral("DIGIT"));
+    TermStd* block = set.define(QStringLiteral("BLOCK"), QStringLiteral("FIELD DIGIT"));
+    TermStd* plain = set.define(QStringLiteral("PLAIN"), QStringLiteral("DIGIT"));
     ASSERT_TRUE(block->check_config(set.terms()));
 
     const auto toField = reference(u"FIELD");
@@ -758,11 +774,11 @@ TEST(Reference, field_search_goes_through_to_the_target)
     TermSet set;
     set.define(QStringLiteral("BLOCK"), QStringLiteral("NAME ALIAS"));
     set.define(QStringLiteral("NAME"), QStringLiteral("DIGIT"));
-    TermStd *alias = set.define(QStringLiteral("ALIAS"), QStringLiteral("NAME"));
+    TermStd* alias = set.define(QStringLiteral("ALIAS"), QStringLiteral("NAME"));
 
     const auto toBlock = reference(u"BLOCK");
     ASSERT_TRUE(toBlock->check_config(set.terms()));
-    TermStd *found = toBlock->search_TermField(QStringLiteral("NAME"));
+    TermStd* found = toBlock->search_TermField(QStringLiteral("NAME"));
     ASSERT_NE(found, nullptr);
     EXPECT_EQ(found->type(), 9);
     EXPECT_EQ(found->ExprRuleStr, QStringLiteral("NAME"));
@@ -811,7 +827,8 @@ TEST(Expression, longest_length)
     EXPECT_EQ(expression(u"'ABC' DIGIT")->calculateOfLengthData(true), 5); // with the separator
     EXPECT_EQ(expression(u"'ABC'|DIGIT|'AB'")->calculateOfLengthData(true), 3);
     EXPECT_EQ(expression(u"2{DIGIT}3!{'AB'}4")->calculateOfLengthData(false), 11);
-    EXPECT_EQ(expression(u"{DIGIT}!'A'")->calculateOfLengthData(false), Unlimited + 1); // nothing is capped
+    EXPECT_EQ(expression(u"{DIGIT}!'A'")->calculateOfLengthData(false),
+              Unlimited + 1); // nothing is capped
     EXPECT_EQ(expression(u"{DIGIT}|'A'")->calculateOfLengthData(false), Unlimited);
 
     const auto bounded = repeated(expression(u"'ABC'!DIGIT"), 0, 3);
@@ -831,7 +848,7 @@ TEST(ExpressionCheck, result_is_its_own_validity)
     const auto term = expression(u"DIGIT SEP ALPHA");
     EXPECT_TRUE(term->check_config(nullptr));
     EXPECT_FALSE(term->configChecked);
-    for (const TermStd *part : term->ExprList)
+    for (const TermStd* part : term->ExprList)
         EXPECT_TRUE(part->configChecked);
     term->valid = false;
     EXPECT_FALSE(term->check_config(nullptr));
@@ -844,8 +861,9 @@ TEST(ExpressionCheck, all_terms_are_visited_and_reported_once)
     DiagnosticCapture diagnostics;
     EXPECT_FALSE(term->check_config(set.terms()));
     EXPECT_FALSE(term->valid);
-    EXPECT_EQ(joined(diagnostics.reportedTexts()),
-              "variable X not found\nvariable Y not found\nExprRuleStr is empty\nvariable X not found");
+    EXPECT_EQ(
+        joined(diagnostics.reportedTexts()),
+        "variable X not found\nvariable Y not found\nExprRuleStr is empty\nvariable X not found");
     diagnostics.clear();
     EXPECT_FALSE(term->check_config(set.terms()));
     EXPECT_TRUE(diagnostics.lines().empty());
@@ -866,7 +884,7 @@ TEST(ExpressionSearch, finds_a_reference_at_any_depth_in_the_order_of_the_text)
     EXPECT_EQ(term->search_TermField(QStringLiteral("A")), term->ExprList.at(0));
     EXPECT_EQ(term->search_TermField(QStringLiteral("X")), nullptr);
     EXPECT_EQ(term->search_TermField(QStringLiteral("c")), nullptr);
-    TermStd *found = term->search_TermField(QStringLiteral("C"));
+    TermStd* found = term->search_TermField(QStringLiteral("C"));
     ASSERT_NE(found, nullptr);
     EXPECT_EQ(found->bracketType, Repeated);
     EXPECT_NE(found, term->ExprList.at(2));
@@ -949,8 +967,8 @@ TEST(ExpressionField, empty_expression_contains_nothing)
 TEST(ExpressionFirstField, walk_stops_at_the_first_required_term)
 {
     TermSet set;
-    TermStd *a = set.define(QStringLiteral("A"), QStringLiteral("DIGIT"));
-    TermStd *b = set.define(QStringLiteral("B"), QStringLiteral("DIGIT"));
+    TermStd* a = set.define(QStringLiteral("A"), QStringLiteral("DIGIT"));
+    TermStd* b = set.define(QStringLiteral("B"), QStringLiteral("DIGIT"));
     const struct
     {
         Utf16Text text;
@@ -965,7 +983,7 @@ TEST(ExpressionFirstField, walk_stops_at_the_first_required_term)
         {u"1{A} ! B", true, false},
         {u"0{A}3 ! B", true, true},
         {u"-3{A}2 ! B", true, true},
-        {u"[A] B", true, false}, // the separator between them is required
+        {u"[A] B", true, false},      // the separator between them is required
         {u"[A ! B] ! B", true, true}, // the group may be absent, and then the second B comes first
         {u"[A ! B] ! DIGIT", true, false}, // inside the group B stands behind A
         {u"(A | B) DIGIT", true, false},
@@ -973,7 +991,7 @@ TEST(ExpressionFirstField, walk_stops_at_the_first_required_term)
         {u"[[A] ! B] ! DIGIT", true, true},
         {u"DIGIT A", false, false},
     };
-    for (const auto &row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(readable(row.text));
         const auto term = expression(row.text);
         ASSERT_TRUE(term->check_config(set.terms()));
@@ -995,18 +1013,20 @@ TEST(ExpressionFirstField, running_out_of_terms_is_an_internal_error)
 {
     TermSet set;
     set.define(QStringLiteral("A"), QStringLiteral("DIGIT"));
-    TermStd *b = set.define(QStringLiteral("B"), QStringLiteral("DIGIT"));
+    TermStd* b = set.define(QStringLiteral("B"), QStringLiteral("DIGIT"));
     const auto term = expression(u"[A] ! {A}");
     ASSERT_TRUE(term->check_config(set.terms()));
     DiagnosticCapture diagnostics;
     EXPECT_FALSE(term->isFirstRequiredField(b));
     EXPECT_EQ(onlyInternalError(diagnostics),
-              "virtual bool TermExpression::isFirstRequiredField(const TermStd*) const check_term not found");
+              "virtual bool TermExpression::isFirstRequiredField(const TermStd*) const check_term "
+              "not found");
     const auto empty = expression(u"");
     diagnostics.clear();
     EXPECT_FALSE(empty->isFirstRequiredField(b));
     EXPECT_EQ(onlyInternalError(diagnostics),
-              "virtual bool TermExpression::isFirstRequiredField(const TermStd*) const check_term not found");
+              "virtual bool TermExpression::isFirstRequiredField(const TermStd*) const check_term "
+              "not found");
 }
 
 TEST(Expression, is_never_character_without_limit)

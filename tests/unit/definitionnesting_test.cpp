@@ -1,0 +1,244 @@
+// How deep definitions may nest, and that nothing deeper than that takes the stack away.
+
+#include "support/diagnosticcapture.h"
+
+#include "mainclass.h"
+#include "termexpression.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include <pthread.h>
+
+namespace {
+
+const QString TooDeep = QStringLiteral("brackets and references are nested deeper than 128 levels");
+const QString Removed = QStringLiteral("term  no valid, entry is removed");
+
+#if defined(__SANITIZE_ADDRESS__)
+constexpr size_t SmallStack = 2048 * 1024; // the sanitizer makes each frame several times as large
+#else
+constexpr size_t SmallStack = 256 * 1024;
+#endif
+
+// Runs the task in a thread that has a small stack.
+void runWithSmallStack(const std::function<void()>& task)
+{
+    pthread_attr_t attributes;
+    ASSERT_EQ(pthread_attr_init(&attributes), 0);
+    ASSERT_EQ(pthread_attr_setstacksize(&attributes, SmallStack), 0);
+    pthread_t thread{};
+    const auto entry = [](void* argument) -> void* {
+        (*static_cast<const std::function<void()>*>(argument))();
+        return nullptr;
+    };
+    ASSERT_EQ(
+        pthread_create(&thread, &attributes, entry, const_cast<std::function<void()>*>(&task)), 0);
+    pthread_join(thread, nullptr);
+    pthread_attr_destroy(&attributes);
+}
+
+void define(MainClass* converter, const QString& name, const QString& text)
+{
+    ConfigInfo record;
+    record.setXMLFile(QStringLiteral("simple.xml"));
+    record.recordName = name;
+    record.ruleText = text;
+    TermStd* const term = TermExpression::append_expression(&record, true);
+    ASSERT_NE(term, nullptr) << name.toStdString();
+    converter->termsList.append(term);
+}
+
+QString numbered(int number)
+{
+    return QLatin1Char('T') + QString::number(number);
+}
+
+// T0 names T1, T1 names T2 ...; the last one is a DIGIT.
+void defineChain(MainClass* converter, int length, bool lastFirst)
+{
+    for (int i = 0; i < length; ++i) {
+        const int number = lastFirst ? length - 1 - i : i;
+        define(converter, numbered(number),
+               number == length - 1 ? QStringLiteral("DIGIT") : numbered(number + 1));
+    }
+}
+
+QString nestedBrackets(int levels)
+{
+    // Two terms in each bracket, so that each stays an expression.
+    return QStringLiteral("(A ").repeated(levels) + QLatin1Char('B') +
+           QStringLiteral(")").repeated(levels);
+}
+
+bool compiles(const QString& text)
+{
+    ConfigInfo record;
+    record.ruleText = text;
+    const std::unique_ptr<TermStd> term(TermExpression::append_expression(&record, true));
+    return term != nullptr;
+}
+
+TEST(DefinitionNesting, BracketsCompileUpToTheLimit)
+{
+    runWithSmallStack([] {
+        const DiagnosticCapture capture;
+        EXPECT_TRUE(compiles(nestedBrackets(TermExpression::MaxNesting)));
+        EXPECT_TRUE(capture.lines().empty());
+    });
+}
+
+TEST(DefinitionNesting, DeeperBracketsAreRefusedWithOneReport)
+{
+    for (const int levels : {TermExpression::MaxNesting + 1, 5000}) {
+        runWithSmallStack([levels] {
+            const DiagnosticCapture capture;
+            EXPECT_FALSE(compiles(nestedBrackets(levels)));
+            EXPECT_EQ(capture.reportedTexts(), QStringList{TooDeep});
+        });
+    }
+}
+
+TEST(DefinitionNesting, AChainOfReferencesUpToTheLimitMatches)
+{
+    for (const bool lastFirst : {false, true}) {
+        runWithSmallStack([lastFirst] {
+            const DiagnosticCapture capture;
+            MainClass converter(nullptr);
+            defineChain(&converter, TermExpression::MaxNesting + 1, lastFirst);
+            converter.termsList_checkConfig();
+            EXPECT_TRUE(capture.lines().empty());
+            TermStd* const first = converter.termsList.search(numbered(0));
+            ASSERT_NE(first, nullptr);
+            const QString text = QStringLiteral("7");
+            EXPECT_EQ(first->parse(text.constData()), 1);
+            EXPECT_EQ(first->calculateOfLengthData(true), 1);
+            EXPECT_FALSE(first->isCharacterNoLimit());
+            EXPECT_FALSE(first->dumpData(true).isEmpty());
+        });
+    }
+}
+
+// Those that are too deep are removed, those that are not stay, in whatever order they stand.
+TEST(DefinitionNesting, OfALongerChainThoseWithinTheLimitStay)
+{
+    constexpr int Length = 100000;
+    for (const bool lastFirst : {false, true}) {
+        runWithSmallStack([lastFirst] {
+            DiagnosticCapture capture;
+            MainClass converter(nullptr);
+            defineChain(&converter, Length, lastFirst);
+            converter.termsList_checkConfig();
+            constexpr int kept = TermExpression::MaxNesting + 1;
+            EXPECT_EQ(converter.termsList.size(), kept);
+            EXPECT_EQ(capture.lines().size(), size_t{2} * (Length - kept));
+            const QStringList reports = capture.reportedTexts();
+            EXPECT_EQ(reports.at(0), TooDeep);
+            EXPECT_EQ(reports.at(1), Removed);
+            EXPECT_NE(converter.termsList.search(numbered(Length - kept)), nullptr);
+            EXPECT_EQ(converter.termsList.search(numbered(Length - kept - 1)), nullptr);
+        });
+    }
+}
+
+TEST(DefinitionNesting, BracketsAndReferencesCountTogether)
+{
+    const DiagnosticCapture capture;
+    MainClass converter(nullptr);
+    define(&converter, QStringLiteral("A"), QStringLiteral("DIGIT"));
+    define(&converter, QStringLiteral("B"), QStringLiteral("DIGIT"));
+    define(&converter, QStringLiteral("INNER"), nestedBrackets(70));
+    define(&converter, QStringLiteral("OUTER"),
+           nestedBrackets(70).replace(QLatin1Char('B'), QStringLiteral("INNER")));
+    converter.termsList_checkConfig();
+    EXPECT_EQ(capture.reportedTexts(), (QStringList{TooDeep, Removed}));
+    EXPECT_NE(converter.termsList.search(QStringLiteral("INNER")), nullptr);
+    EXPECT_EQ(converter.termsList.search(QStringLiteral("OUTER")), nullptr);
+}
+
+TEST(DefinitionNesting, ALoopLongerThanTheLimitTakesNoMoreStackThanAShortOne)
+{
+    runWithSmallStack([] {
+        constexpr int Length = 20000;
+        const DiagnosticCapture capture;
+        MainClass converter(nullptr);
+        for (int i = 0; i < Length; ++i)
+            define(&converter, numbered(i), numbered((i + 1) % Length));
+        converter.termsList_checkConfig();
+        EXPECT_TRUE(capture.reportedTexts().contains(TooDeep));
+        for (const TermStd* term : converter.termsList)
+            EXPECT_FALSE(term->valid);
+    });
+}
+
+// Every one of the definitions refers to all of them but itself.
+void defineTangle(MainClass* converter, int count, const QString& also)
+{
+    for (int i = 0; i < count; ++i) {
+        QStringList names;
+        for (int k = 0; k < count; ++k) {
+            if (k != i)
+                names.append(numbered(k));
+        }
+        define(converter, numbered(i), names.join(QLatin1Char(' ')) + QLatin1Char(' ') + also);
+    }
+}
+
+bool containsTangled(const DiagnosticCapture& capture)
+{
+    return capture.reportedTexts().contains(
+        QStringLiteral("loops of variables are tangled more than 400 levels deep"));
+}
+
+// The checks enter a definition of a tangle again through each of its references: as many levels as
+// there are references in all, although nothing nests deeper than the definitions are many.
+TEST(DefinitionNesting, ASmallTangleOfLoopsIsReportedAsLoopsOnly)
+{
+    const DiagnosticCapture capture;
+    MainClass converter(nullptr);
+    define(&converter, QStringLiteral("X"), QStringLiteral("DIGIT"));
+    defineTangle(&converter, 15, QStringLiteral("X"));
+    converter.termsList_checkConfig();
+    EXPECT_FALSE(containsTangled(capture));
+    EXPECT_FALSE(capture.reportedTexts().contains(TooDeep));
+}
+
+TEST(DefinitionNesting, WhatALargeTangleOfLoopsRefersToStaysInUse)
+{
+    runWithSmallStack([] {
+        const DiagnosticCapture capture;
+        MainClass converter(nullptr);
+        defineTangle(&converter, 40, QStringLiteral("SOUND"));
+        define(&converter, QStringLiteral("SOUND"), QStringLiteral("X ! X"));
+        define(&converter, QStringLiteral("X"), QStringLiteral("DIGIT"));
+        converter.termsList_checkConfig();
+        EXPECT_TRUE(containsTangled(capture));
+        TermStd* const sound = converter.termsList.search(QStringLiteral("SOUND"));
+        ASSERT_NE(sound, nullptr);
+        EXPECT_TRUE(sound->valid);
+        EXPECT_EQ(sound->parse(QStringLiteral("12").constData()), 2);
+    });
+}
+
+// Each reference of A leads back to A.
+TEST(DefinitionNesting, AVeryLargeTangleOfLoopsDoesNotTakeTheStack)
+{
+    runWithSmallStack([] {
+        constexpr int Length = 20000;
+        const DiagnosticCapture capture;
+        MainClass converter(nullptr);
+        QStringList names;
+        for (int i = 0; i < Length; ++i)
+            names.append(numbered(i));
+        define(&converter, QStringLiteral("A"), names.join(QLatin1Char(' ')));
+        for (const QString& name : names)
+            define(&converter, name, QStringLiteral("A"));
+        converter.termsList_checkConfig();
+        EXPECT_TRUE(containsTangled(capture));
+        for (const TermStd* term : converter.termsList)
+            EXPECT_FALSE(term->valid);
+    });
+}
+
+} // namespace
