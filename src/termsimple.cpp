@@ -32,12 +32,12 @@ bool TermSimple::check_config(const TermList*)
 
 int TermSimple::real_parse(const QChar* data)
 {
-    // The null that ends the data differs from every character of the literal, so this never reads
-    // beyond it.
+    // Never beyond the null that ends the data, also if a rule file has brought one into the
+    // literal.
     const QChar* const literal = ExprRuleStr.constData();
     const auto length = static_cast<int>(ExprRuleStr.size());
     for (int i = 0; i < length; ++i) {
-        if (literal[i] != data[i])
+        if (literal[i] != data[i] || data[i].isNull())
             return 0;
     }
     return length;

@@ -413,6 +413,17 @@ TEST(TermDump, missing_operator_shows_as_a_question_mark_and_is_an_internal_erro
         "virtual QString TermExpression::dumpData(bool) const i = 1 OperatorsList.length() = 1");
 }
 
+TEST(Literal, does_not_match_the_null_that_ends_the_data)
+{
+    ConfigInfo record;
+    record.ruleText = QStringLiteral("A") + QChar(0) + QStringLiteral("B");
+    TermSimple literal(&record);
+    EXPECT_EQ(literal.parse(QStringLiteral("A").constData()), 0);
+    record.ruleText = QString(QChar(0));
+    TermSimple null(&record);
+    EXPECT_EQ(null.parse(QString(QLatin1String("")).constData()), 0);
+}
+
 TEST(Literal, keeps_its_text_simplified)
 {
     const auto term = literal(u"  Two \t\n words ");
