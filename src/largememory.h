@@ -7,7 +7,7 @@
 /// Memory in blocks so large that the kernel's work on their pages counts.
 ///
 /// A message of many megabytes touches ten times its size, and page by page of four kilobytes that
-/// took half of a conversion. In pages of two megabytes it takes next to nothing.
+/// took nearly half of a conversion; pages of two megabytes spare most of it.
 namespace LargeMemory {
 
 /// Asks the kernel for large pages for the block of @p size bytes at @p block, before it is written

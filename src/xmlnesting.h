@@ -6,7 +6,7 @@
 #include <optional>
 
 /// Guards QDomDocument against files that nest too deep: it goes through its elements by recursion,
-/// and takes hours over a file of nothing but opening tags.
+/// and takes minutes over a file of nothing but opening tags.
 namespace XmlNesting {
 
 /// Rule files need three levels.
