@@ -7,6 +7,7 @@
 #include <QObject>
 
 #include <algorithm>
+#include <functional>
 
 namespace {
 
@@ -294,7 +295,26 @@ void AdexpDoc::report(const QString& message, QStringView detail)
     line.quoted(message);
     if (!detail.isEmpty())
         line.quoted(detail);
-    line.send();
+    line.send(finding(message, detail));
+}
+
+// The place is that of the detail, if it was cut out of the text, else what was read last: from the
+// last field word to the cursor.
+Finding AdexpDoc::finding(const QString& message, QStringView detail) const
+{
+    Finding finding;
+    finding.text = message;
+    finding.detail = detail.toString();
+    const QStringView text(msgParam.text);
+    if (!detail.isEmpty() && std::less_equal<>()(text.begin(), detail.begin()) &&
+        std::less_equal<>()(detail.end(), text.end())) {
+        finding.begin = static_cast<int>(detail.begin() - text.begin());
+        finding.end = finding.begin + static_cast<int>(detail.size());
+    } else if (currWordListIt != wordList.constBegin()) {
+        finding.begin = (*std::min(lastFieldWordListIt, currWordListIt - 1))->beginPoint;
+        finding.end = (*(currWordListIt - 1))->endPoint();
+    }
+    return finding;
 }
 
 const QChar* AdexpDoc::nullTerminated(QStringView data)

@@ -3,6 +3,7 @@
 
 #include "adexpfield.h"
 #include "endblockindex.h"
+#include "findingobserver.h"
 #include "namedlist.h"
 
 #include <QByteArray>
@@ -146,6 +147,7 @@ private:
     const DocWord* currentWord(const char* signature) const;
     void reportLoneHyphen();
     void report(const QString& message, QStringView detail);
+    Finding finding(const QString& message, QStringView detail) const;
 
     // Words and fields, and what they hold, come from here and go away together: fields are not
     // destroyed one by one. The first bytes serve a usual message without any memory of the heap.

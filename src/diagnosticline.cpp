@@ -41,6 +41,16 @@ void DiagnosticLine::append(QStringView item)
 
 void DiagnosticLine::send() const
 {
+    Finding finding;
+    finding.type = m_type;
+    finding.text = m_line.trimmed();
+    send(finding);
+}
+
+void DiagnosticLine::send(const Finding& finding) const
+{
+    if (FindingObserver* const observer = FindingObserver::current())
+        observer->found(finding);
     const QMessageLogContext context(nullptr, 0, nullptr, "default");
     qt_message_output(m_type, context, m_line);
 }

@@ -1,6 +1,8 @@
 #ifndef DIAGNOSTICLINE_H
 #define DIAGNOSTICLINE_H
 
+#include "findingobserver.h"
+
 #include <QString>
 #include <QtGlobal>
 
@@ -26,8 +28,12 @@ public:
     /// Appends an item between double quotes.
     DiagnosticLine& quoted(QStringView item);
 
-    /// Hands the line to Qt's message output in the default category.
+    /// Hands the line to Qt's message output in the default category. The observer, if there is
+    /// one, is told the line as the text of a finding without a place.
     void send() const;
+
+    /// The same, but the observer is told @p finding.
+    void send(const Finding& finding) const;
 
     /// Sends the critical line of a broken invariant: the full signature of the operation that
     /// found it, then the condition that failed.

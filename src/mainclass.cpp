@@ -21,6 +21,17 @@ void report(const char* signature, const QString& text)
     DiagnosticLine(QtDebugMsg).plain(signature).quoted(text).send();
 }
 
+// The same, about the record at @p place; @p head goes before the text in the line only.
+void reportRecord(const char* signature, const ConfigInfo& place, const QString& head,
+                  const QString& text)
+{
+    Finding finding;
+    finding.text = text;
+    finding.detail = place.ruleText;
+    finding.record = place;
+    DiagnosticLine(QtDebugMsg).plain(signature).quoted(head + text).send(finding);
+}
+
 const char* const ReadTermsSignature =
     "bool MainClass::readTermsXMLFile(const QString&, const QString&, bool)";
 const char* const ReadMsgRulesSignature = "bool MainClass::readMsgRulesXMLFile(const QString&)";
@@ -94,10 +105,15 @@ bool MainClass::ruleDomDocumentsetContent(const QString& path, QDomDocument* doc
         report(Signature, tr("can not open file ") + path + tr(" for read: ") + file.errorString());
         return false;
     }
-    const auto reportParseError = [](qint64 line, qint64 column, const QString& error) {
+    const auto reportParseError = [&path](qint64 line, qint64 column, const QString& error) {
+        ConfigInfo place;
+        place.setXMLFile(path);
+        place.lineNumber = static_cast<int>(line);
+        place.columnNumber = static_cast<int>(column);
         // Nothing stands between column and error text; this is meant.
-        report(Signature, tr("Parse error at line ") + QString::number(line) + tr(", column ") +
-                              QString::number(column) + error);
+        const QString head = tr("Parse error at line ") + QString::number(line) + tr(", column ") +
+                             QString::number(column);
+        reportRecord(Signature, place, head, error);
         return false;
     };
     const QByteArray content = file.readAll();
@@ -135,16 +151,20 @@ void MainClass::readTermRecord(const QDomElement& element, const QString& record
     if (element.tagName() != recordTag) {
         // The head is that of the last record with the right tag, unlike in the message rules; this
         // is meant.
-        report(ReadTermsSignature, item->xmlErrorHead() + tr("bad tag name ") + element.tagName());
+        ConfigInfo place;
+        place.setXMLFile(item->xmlFile);
+        place.setXMLData(&element);
+        reportRecord(ReadTermsSignature, place, item->xmlErrorHead(),
+                     tr("bad tag name ") + element.tagName());
         return;
     }
     setItem(item, element, QStringLiteral("name"), QStringLiteral("term"));
     if (const TermStd* const previous = termsList_search(&termsList, item->recordName)) {
-        report(ReadTermsSignature,
-               item->xmlErrorHead() + tr("detect replay record, previous record (") +
-                   previous->config.xmlErrorHeadShort() + tr(") contains rule \"") +
-                   previous->config.ruleText + tr("\" ignored record contains rule \"") +
-                   item->ruleText + u'"');
+        reportRecord(ReadTermsSignature, *item, item->xmlErrorHead(),
+                     tr("detect replay record, previous record (") +
+                         previous->config.xmlErrorHeadShort() + tr(") contains rule \"") +
+                         previous->config.ruleText + tr("\" ignored record contains rule \"") +
+                         item->ruleText + u'"');
         return;
     }
     // A text that does not compile was reported by the compiler; nothing is added here, unlike for
@@ -180,22 +200,22 @@ void MainClass::readMsgRuleRecord(const QDomElement& element, ConfigInfo* item)
     // Before the tag is looked at: a misnamed record is reported at its own place, unlike in the
     // term files, and this is meant.
     setItem(item, element, QStringLiteral("title"), QStringLiteral("fields"));
-    const auto reportRecord = [item](const QString& text) {
-        report(ReadMsgRulesSignature, item->xmlErrorHead() + text);
+    const auto reportRule = [item](const QString& text) {
+        reportRecord(ReadMsgRulesSignature, *item, item->xmlErrorHead(), text);
     };
     if (element.tagName() != QLatin1String("msgRule")) {
-        reportRecord(tr("bad tag name ") + element.tagName());
+        reportRule(tr("bad tag name ") + element.tagName());
         return;
     }
     if (const MsgRule* const previous = AdexpDoc::search_rule(&msgRules, item->recordName)) {
-        reportRecord(tr("detect replay msgRule ") + item->recordName +
-                     tr(" previous msgRule contains fields ") + previous->config.ruleText +
-                     tr(" ignored msgRule contains fields ") + item->ruleText);
+        reportRule(tr("detect replay msgRule ") + item->recordName +
+                   tr(" previous msgRule contains fields ") + previous->config.ruleText +
+                   tr(" ignored msgRule contains fields ") + item->ruleText);
         return;
     }
     auto rule = std::make_unique<MsgRule>(item, this);
     if (!rule->check_config(&termsList)) {
-        reportRecord(tr("rule \"") + item->ruleText + tr("\" no valid, record ignored"));
+        reportRule(tr("rule \"") + item->ruleText + tr("\" no valid, record ignored"));
         return;
     }
     msgRules.append(rule.get());

@@ -229,11 +229,15 @@ QString TermStd::dumpData(bool) const
 
 void TermStd::configErrorMessage(const QString& text) const
 {
+    Finding finding;
+    finding.text = text;
+    finding.detail = config.ruleText;
+    finding.record = config;
     DiagnosticLine(QtDebugMsg)
         .quoted(config.xmlErrorHead())
         .quoted(config.ruleText)
         .quoted(text)
-        .send();
+        .send(finding);
 }
 
 int TermStd::parse_special(const QChar* c) const

@@ -1,0 +1,45 @@
+#ifndef FINDINGOBSERVER_H
+#define FINDINGOBSERVER_H
+
+#include "configinfo.h"
+
+#include <QString>
+#include <QtGlobal>
+
+/// What one line of the diagnostics says, as values: nobody has to read the line to learn its
+/// place.
+struct Finding
+{
+    QtMsgType type = QtDebugMsg; ///< QtCriticalMsg: a broken invariant of the library itself
+    QString text;                ///< what was found, without its place; never empty
+    QString detail;              ///< the text that it was found in; may be empty
+    ConfigInfo record;           ///< in a rule set: the record; without a file if there is none
+    int begin =
+        -1;       ///< in a message: position of the stretch it is about, in UTF-16 units; -1: none
+    int end = -1; ///< position behind that stretch; -1: none
+};
+
+/// Is told of every finding while it lives, besides Qt's message output, which gets the line.
+///
+/// For tools that show findings at their place. Observers may be nested; the innermost is told.
+/// Like the library, for one thread only.
+class FindingObserver
+{
+public:
+    FindingObserver();
+    virtual ~FindingObserver();
+
+    FindingObserver(const FindingObserver&) = delete;
+    FindingObserver& operator=(const FindingObserver&) = delete;
+
+    /// Called before the line of @p finding goes to Qt's message output.
+    virtual void found(const Finding& finding) = 0;
+
+    /// The observer to be told; null if there is none. Not owned.
+    static FindingObserver* current();
+
+private:
+    FindingObserver* m_outer;
+};
+
+#endif
