@@ -1,0 +1,261 @@
+"""The module against the built library: ADEXP_LIBRARY names it, ADEXP_COMMAND the command."""
+import ctypes
+import os
+import resource
+import subprocess
+import sys
+import threading
+import time
+from pathlib import Path
+
+import pytest
+
+import adexp
+from adexp._diagnostics import Collector, MessageOutput
+from adexp._library import load
+
+ROOT = Path(__file__).resolve().parents[3]
+SAMPLES = sorted((ROOT / "samples").rglob("*.adexp"))
+GOOD = "-TITLE RFI -ARCID OAL271 -IFPLID AA40221877"
+
+
+@pytest.fixture
+def converter():
+    with adexp.Converter() as opened:
+        yield opened
+
+
+@pytest.fixture
+def rules(tmp_path, monkeypatch):
+    """A folder, which is the working directory, with a small rule set; its files may be replaced."""
+    monkeypatch.chdir(tmp_path)
+    files = {
+        "simple.xml": "<a><simpleTerm name='CODE'><term>2{ALPHA}3</term></simpleTerm></a>",
+        "sub.xml": "<a/>",
+        "primary.xml": "<a><PrimaryField name='WHO'><term>CODE</term></PrimaryField></a>",
+        "messages.xml": "<a><msgRule title='HELLO'><fields>WHO</fields></msgRule></a>",
+        "set.ini": "[rules]\nsimpleTermsFile=simple.xml\nsubFieldsFile=sub.xml\n"
+                   "primaryFieldsFile=primary.xml\nmsgRulesFile=messages.xml\n",
+    }
+    for name, content in files.items():
+        (tmp_path / name).write_text(content)
+    return tmp_path
+
+
+# Documents
+
+@pytest.mark.parametrize("sample", SAMPLES, ids=lambda path: path.stem)
+def test_gives_the_document_and_the_reports_of_the_command(converter, sample):
+    command = subprocess.run([os.environ["ADEXP_COMMAND"], "convert", sample],
+                             capture_output=True, check=False)
+    try:
+        document = converter.convert(sample.read_bytes())
+    except adexp.NoDocumentError as error:
+        document = b""
+        assert error.diagnostics == converter.diagnostics
+    assert document == command.stdout
+    reports = [line.split(": ", 1)[1] for line in command.stderr.decode().splitlines()
+               if "not converted" not in line]
+    assert [line + " " for line in converter.diagnostics] == reports
+
+
+def test_takes_text_and_bytes_alike(converter):
+    text = "-TITLE RFI -ARCID ÄÖ🙂"
+    assert converter.convert(text) == converter.convert(text.encode())
+
+
+def test_reads_a_message_beyond_a_nul(converter):
+    assert b"OAL271" in converter.convert(b"-TITLE RFI \0 -ARCID OAL271")
+
+
+def test_rejects_surrogates(converter):
+    with pytest.raises(ValueError):
+        converter.convert("-TITLE RFI \ud800")
+
+
+def test_rejects_what_is_no_text(converter):
+    with pytest.raises(ctypes.ArgumentError):
+        converter.convert([1, 2])
+
+
+def test_rejects_a_message_longer_than_the_library_counts(converter, monkeypatch):
+    monkeypatch.setattr("adexp._converter._LONGEST_MESSAGE", len(GOOD) - 1)
+    with pytest.raises(ValueError, match="longer than"):
+        converter.convert(GOOD)
+
+
+# Diagnostics
+
+def test_diagnostics_are_those_of_the_last_message(converter):
+    assert converter.diagnostics == []
+    converter.convert(GOOD + " -NOTE A")
+    assert converter.diagnostics == ['"rule NOTE for RFI not found"']
+    converter.convert(GOOD)
+    assert converter.diagnostics == []
+
+
+@pytest.mark.parametrize("word", ["A\0B", "Ж", "🙂", '"'])
+def test_diagnostics_hold_any_character(converter, word):
+    converter.convert(f"{word} -TITLE RFI")
+    assert converter.diagnostics == [f'"ignore word" "{word}"']
+
+
+def test_nothing_is_written_to_standard_error(converter, capfd):
+    converter.convert("X " + GOOD)
+    assert capfd.readouterr().err == ""
+
+
+def test_the_handler_before_is_back_after_a_call(capfd):
+    library = load()
+    with Collector(MessageOutput(library)):
+        pass
+    log(library, b"after")
+    assert "after" in capfd.readouterr().err
+
+
+def test_messages_of_other_threads_go_to_the_handler_before():
+    library = load()
+    output = MessageOutput(library)
+    with Collector(output) as outer, Collector(output) as inner:
+        log(library, b"own")
+        other = threading.Thread(target=log, args=(library, b"other"))
+        other.start()
+        other.join()
+    assert inner.lines == ["own"]
+    # The outer one is of this thread as well, so the line went on to Qt.
+    assert outer.lines == []
+
+
+def log(library, text):
+    """What qDebug(text) does in a C++ program."""
+    context = ctypes.create_string_buffer(64)
+    ctypes.c_int.from_buffer(context).value = 2  # version of the context
+    library["_ZNK14QMessageLogger5debugEPKcz"](context, text)
+
+
+# Rule sets
+
+def test_takes_a_rule_set_of_files(rules):
+    with adexp.Converter(rules / "set.ini") as converter:
+        assert b"<WHO valid=\"true\"" in converter.convert("-TITLE HELLO -WHO ABC")
+
+
+def test_reports_about_a_rule_set_are_there_after_loading(rules):
+    (rules / "simple.xml").write_text("<a><wrong/></a>")
+    with adexp.Converter("set.ini") as converter:
+        assert any("bad tag name wrong" in line for line in converter.diagnostics)
+
+
+def test_rule_file_that_cannot_be_read_is_an_error_with_reports(rules):
+    (rules / "sub.xml").unlink()
+    with pytest.raises(adexp.RuleSetError, match="can not open file sub.xml") as caught:
+        adexp.Converter("set.ini")
+    assert len(caught.value.diagnostics) == 2
+
+
+def test_settings_that_are_no_ini_file_are_an_error(rules):
+    (rules / "set.ini").write_text("[rules\n")
+    with pytest.raises(adexp.RuleSetError, match="not an ini file"):
+        adexp.Converter("set.ini")
+
+
+@pytest.mark.parametrize("path, error", [("no.ini", FileNotFoundError), (".", IsADirectoryError)])
+def test_settings_that_cannot_be_opened_are_an_error_of_the_system(rules, path, error):
+    with pytest.raises(error):
+        adexp.Converter(path)
+
+
+def test_after_a_failure_another_rule_set_can_be_loaded(rules):
+    (rules / "sub.xml").unlink()
+    with pytest.raises(adexp.RuleSetError):
+        adexp.Converter("set.ini")
+    with adexp.Converter() as converter:
+        assert converter.convert(GOOD)
+
+
+# Life
+
+def test_closed_converter_converts_no_more():
+    converter = adexp.Converter()
+    converter.close()
+    converter.close()
+    with pytest.raises(ValueError, match="closed"):
+        converter.convert(GOOD)
+
+
+def test_second_converter_is_refused_until_the_first_is_closed(converter):
+    with pytest.raises(adexp.InUseError):
+        adexp.Converter()
+    assert converter.convert(GOOD)
+    converter.close()
+    with adexp.Converter() as second:
+        assert second.convert(GOOD)
+
+
+def test_converter_that_is_dropped_is_closed():
+    adexp.Converter().convert(GOOD)
+    with adexp.Converter() as second:
+        assert second.convert(GOOD)
+
+
+def test_without_a_document_it_goes_on(converter):
+    with pytest.raises(adexp.NoDocumentError) as caught:
+        converter.convert("nothing")
+    assert caught.value.diagnostics[-1] == '"begin message (-TITLE) not found"'
+    assert converter.convert(GOOD)
+
+
+def test_threads_take_turns(converter):
+    messages = [f"-TITLE RFI -ARCID OAL{number}" for number in range(200)]
+    expected = [converter.convert(message) for message in messages]
+    results = {}
+
+    def convert_all(name):
+        results[name] = [converter.convert(message) for message in messages]
+
+    threads = [threading.Thread(target=convert_all, args=(name,)) for name in range(4)]
+    for thread in threads:
+        thread.start()
+    for thread in threads:
+        thread.join()
+    assert list(results.values()) == [expected] * 4
+
+
+def test_threads_are_never_in_the_library_at_once(converter, monkeypatch):
+    inside = []
+    highest = []
+    real = converter._convert
+
+    def convert(data):
+        inside.append(data)
+        time.sleep(0.01)
+        highest.append(len(inside))
+        inside.pop()
+        return real(data)
+
+    monkeypatch.setattr(converter, "_convert", convert)
+    threads = [threading.Thread(target=converter.convert, args=(GOOD,)) for _ in range(5)]
+    for thread in threads:
+        thread.start()
+    for thread in threads:
+        thread.join()
+    assert highest == [1] * 5
+
+
+def test_documents_are_given_back_to_the_library(converter):
+    message = GOOD + " X" * 500_000
+    converter.convert(message)
+    before = resource.getrusage(resource.RUSAGE_SELF).ru_maxrss
+    for _ in range(50):
+        converter.convert(message)
+    # Each document has a megabyte.
+    assert resource.getrusage(resource.RUSAGE_SELF).ru_maxrss - before < 10_000  # KiB
+
+
+def test_missing_library_is_explained():
+    environment = {**os.environ, "ADEXP_LIBRARY": "/no/such/libadexp.so"}
+    result = subprocess.run([sys.executable, "-c", "import adexp; adexp.Converter()"],
+                            env=environment, capture_output=True, text=True, check=False)
+    assert result.returncode == 1
+    assert "OSError: libadexp cannot be loaded" in result.stderr
+    assert "ADEXP_LIBRARY" in result.stderr
