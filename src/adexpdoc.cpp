@@ -275,12 +275,12 @@ int AdexpDoc::searchEndBlock(QStringView blockName, int limit, int* endWordPoint
 
 void AdexpDoc::addError(const QString& message, QStringView detail)
 {
-    report(message, detail);
+    report(message, detail, Severity::Error);
 }
 
 void AdexpDoc::addWarning(const QString& message, QStringView detail)
 {
-    report(message, detail);
+    report(message, detail, Severity::Warning);
 }
 
 void AdexpDoc::reportLoneHyphen()
@@ -288,14 +288,16 @@ void AdexpDoc::reportLoneHyphen()
     addWarning(QObject::tr("field consists of a single character"), {});
 }
 
-void AdexpDoc::report(const QString& message, QStringView detail)
+void AdexpDoc::report(const QString& message, QStringView detail, Severity severity)
 {
     isValid = false;
     DiagnosticLine line(QtDebugMsg);
     line.quoted(message);
     if (!detail.isEmpty())
         line.quoted(detail);
-    line.send(finding(message, detail));
+    Finding toObserver = finding(message, detail);
+    toObserver.severity = severity;
+    line.send(toObserver);
 }
 
 // The place is that of the detail, if it was cut out of the text, else what was read last: from the

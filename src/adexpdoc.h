@@ -146,7 +146,7 @@ private:
     bool atEnd() const { return currWordListIt == wordList.constEnd(); }
     const DocWord* currentWord(const char* signature) const;
     void reportLoneHyphen();
-    void report(const QString& message, QStringView detail);
+    void report(const QString& message, QStringView detail, Severity severity);
     Finding finding(const QString& message, QStringView detail) const;
 
     // Words and fields, and what they hold, come from here and go away together: fields are not

@@ -6,17 +6,24 @@
 #include <QString>
 #include <QtGlobal>
 
+/// How bad a finding is.
+enum class Severity {
+    Warning, ///< what it is about is used as it is, or with less
+    Error,   ///< what it is about is wrong, or is not used
+};
+
 /// What one line of the diagnostics says, as values: nobody has to read the line to learn its
 /// place.
 struct Finding
 {
     QtMsgType type = QtDebugMsg; ///< QtCriticalMsg: a broken invariant of the library itself
-    QString text;                ///< what was found, without its place; never empty
-    QString detail;              ///< the text that it was found in; may be empty
-    ConfigInfo record;           ///< in a rule set: the record; without a file if there is none
-    int begin =
-        -1;       ///< in a message: position of the stretch it is about, in UTF-16 units; -1: none
-    int end = -1; ///< position behind that stretch; -1: none
+    Severity severity = Severity::Error;
+    QString text;      ///< what was found, without its place; never empty
+    QString detail;    ///< the text that it was found in; may be empty
+    ConfigInfo record; ///< in a rule set: the record; without a file if there is none
+    int begin = -1; ///< position of what it is about, in UTF-16 units; -1: none. In a rule set: in
+                    ///< the expression of the record, its white space simplified
+    int end = -1;   ///< in a message: position behind the stretch that it is about; -1: none
 };
 
 /// Is told of every finding while it lives, besides Qt's message output, which gets the line.

@@ -1,0 +1,43 @@
+#include "findingjson.h"
+
+#include "findingobserver.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+
+namespace {
+
+void addPlace(const Finding& finding, QJsonObject* object)
+{
+    const ConfigInfo& record = finding.record;
+    if (!record.xmlFile.isEmpty()) {
+        object->insert(QStringLiteral("file"), record.xmlFile);
+        object->insert(QStringLiteral("line"), record.lineNumber);
+        object->insert(QStringLiteral("column"), record.columnNumber);
+    } else if (finding.begin >= 0) {
+        object->insert(QStringLiteral("begin"), finding.begin);
+        object->insert(QStringLiteral("end"), finding.end);
+    }
+}
+
+} // namespace
+
+QJsonObject findingJson(const Finding& finding)
+{
+    const bool isWarning = finding.severity == Severity::Warning;
+    QJsonObject object;
+    object.insert(QStringLiteral("severity"),
+                  isWarning ? QStringLiteral("warning") : QStringLiteral("error"));
+    object.insert(QStringLiteral("text"), finding.text);
+    if (!finding.detail.isEmpty())
+        object.insert(QStringLiteral("detail"), finding.detail);
+    if (!finding.record.recordName.isEmpty())
+        object.insert(QStringLiteral("name"), finding.record.recordName);
+    addPlace(finding, &object);
+    return object;
+}
+
+std::string jsonLine(const QJsonObject& object)
+{
+    return QJsonDocument(object).toJson(QJsonDocument::Compact).toStdString() + '\n';
+}
