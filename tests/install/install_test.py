@@ -1,0 +1,140 @@
+#!/usr/bin/env python3
+"""Installs the build into an empty folder and uses it from there.
+
+    install_test.py CMAKE BUILD_FOLDER C_COMPILER SANITIZERS LIBDIR
+
+SANITIZERS is what the library was built with ("address,undefined" or nothing): a program that uses it
+has to be built with the same. LIBDIR is where the library goes in the folder, "lib" or the like.
+"""
+import os
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parents[2]
+EXAMPLE = ROOT / "examples" / "convert.c"
+SAMPLE = ROOT / "samples" / "ifpl-dublin-madrid.adexp"
+DOCUMENT = ROOT / "tests" / "golden" / "samples" / "ifpl-dublin-madrid.xml"
+
+PROJECT = """\
+cmake_minimum_required(VERSION 3.16)
+project(stranger LANGUAGES C)
+find_package(adexp {version} REQUIRED)
+add_executable(convert {example})
+target_link_libraries(convert PRIVATE adexp::adexp)
+"""
+
+
+def run(*command, **options):
+    """What the command prints; it must succeed."""
+    result = subprocess.run(command, text=True, encoding="utf-8", stdout=subprocess.PIPE,
+                            stderr=subprocess.STDOUT, check=False, **options)
+    assert result.returncode == 0, result.stdout
+    return result.stdout
+
+
+class Installed(unittest.TestCase):
+
+    @classmethod
+    def setUpClass(cls):
+        cls.folder = Path(tempfile.mkdtemp(prefix="adexp-install-"))
+        cls.addClassCleanup(shutil.rmtree, cls.folder)
+        first = cls.folder / "first"
+        run(CMAKE, "--install", BUILD, "--prefix", first)
+        # What is installed must not know where: it is used from another place.
+        cls.prefix = first.rename(cls.folder / "a place with blanks")
+        cls.library_folder = cls.prefix / LIBDIR
+
+    def setUp(self):
+        self.work = Path(tempfile.mkdtemp(dir=self.folder))
+        flags = [f"-fsanitize={SANITIZERS}"] if SANITIZERS else []
+        self.flags = flags
+        self.environment = dict(os.environ, CFLAGS=" ".join(flags))
+
+    def assert_converts(self, *command, **options):
+        with open(SAMPLE, "rb") as message:
+            result = subprocess.run(command, stdin=message, capture_output=True, check=False, **options)
+        self.assertEqual(result.stderr, b"")
+        self.assertEqual(result.returncode, 0)
+        self.assertEqual(result.stdout, DOCUMENT.read_bytes())
+
+    def configure(self, version):
+        (self.work / "CMakeLists.txt").write_text(PROJECT.format(version=version, example=EXAMPLE),
+                                                  encoding="utf-8")
+        return subprocess.run(
+            [CMAKE, "-S", self.work, "-B", self.work / "build", f"-DCMAKE_PREFIX_PATH={self.prefix}",
+             f"-DCMAKE_C_COMPILER={COMPILER}"],
+            env=self.environment, text=True, capture_output=True, check=False)
+
+    def test_the_library_has_its_names(self):
+        names = {path.name: path.is_symlink() for path in self.library_folder.glob("libadexp*")}
+        self.assertEqual(names, {"libadexp.so": True, "libadexp.so.1": True,
+                                 "libadexp.so.1.0.0": False})
+
+    def test_what_is_there(self):
+        for name in ("include/adexp.h", "bin/adexp",
+                     "share/man/man1/adexp.1", "share/man/man1/adexp-convert.1",
+                     "share/man/man3/libadexp.3", "share/man/man3/init_adexp.3",
+                     "share/bash-completion/completions/adexp", "share/zsh/site-functions/_adexp",
+                     "share/doc/adexp/LICENSE", "share/doc/adexp/README.md",
+                     "share/doc/adexp/docs/guide.md", "share/doc/adexp/examples/convert.c",
+                     "share/doc/adexp/samples/ifpl-dublin-madrid.adexp"):
+            with self.subTest(name):
+                self.assertTrue((self.prefix / name).is_file())
+
+    def test_a_c_program_by_cmake(self):
+        result = self.configure("1.0")
+        self.assertEqual(result.returncode, 0, result.stderr)
+        run(CMAKE, "--build", self.work / "build")
+        self.assert_converts(self.work / "build" / "convert")
+
+    def test_another_major_version_is_refused(self):
+        for version in ("0.9", "1.1", "2.0"):
+            with self.subTest(version):
+                self.assertIn(f'compatible with requested version "{version}"',
+                              " ".join(self.configure(version).stderr.split()))
+
+    def test_a_c_program_by_pkg_config(self):
+        found = run("pkg-config", "--cflags", "--libs", "adexp >= 1.0", env=dict(
+            os.environ, PKG_CONFIG_PATH=str(self.library_folder / "pkgconfig")))
+        program = self.work / "convert"
+        command = f"{COMPILER} {' '.join(self.flags)} {EXAMPLE} -o {program} {found}"
+        run("sh", "-c", command)
+        self.assert_converts(program, env=dict(os.environ, LD_LIBRARY_PATH=str(self.library_folder)))
+
+    def test_pkg_config_knows_the_version(self):
+        version = run("pkg-config", "--modversion", "adexp", env=dict(
+            os.environ, PKG_CONFIG_PATH=str(self.library_folder / "pkgconfig")))
+        self.assertEqual(run(self.prefix / "bin" / "adexp", "--version"), f"adexp {version}")
+
+    def test_the_command(self):
+        self.assert_converts(self.prefix / "bin" / "adexp", "convert")
+
+    def test_the_rules_can_be_copied_and_changed(self):
+        rules = shutil.copytree(self.prefix / "share" / "adexp" / "rules", self.work / "rules")
+        command = [self.prefix / "bin" / "adexp", "convert", "--settings", "adexp.ini"]
+        self.assert_converts(*command, cwd=rules)
+        messages = rules / "msgrules.xml"
+        text = messages.read_text(encoding="utf-8")
+        messages.write_text(text.replace('title="IFPL"', 'title="OTHER"'), encoding="utf-8")
+        with open(SAMPLE, "rb") as message:
+            result = subprocess.run(command, cwd=rules, stdin=message, capture_output=True, check=False)
+        self.assertEqual(result.returncode, 2)
+
+    def test_the_rules_name_the_schemas(self):
+        rules = self.prefix / "share" / "adexp" / "rules"
+        for file in ("simpleterms", "subfields", "primaryfields", "msgrules"):
+            with self.subTest(file):
+                text = (rules / f"{file}.xml").read_text(encoding="utf-8")
+                schema = re.search(r'noNamespaceSchemaLocation="(.*?)"', text)[1]
+                self.assertEqual((rules / schema).resolve().read_text(encoding="utf-8"),
+                                 (ROOT / "schemas" / f"{file}.xsd").read_text(encoding="utf-8"))
+
+
+if __name__ == "__main__":
+    CMAKE, BUILD, COMPILER, SANITIZERS, LIBDIR = sys.argv[1:6]
+    unittest.main(argv=sys.argv[:1] + sys.argv[6:])
