@@ -66,6 +66,17 @@ class Schemas(unittest.TestCase):
                 named = re.search(r'xsi:noNamespaceSchemaLocation="(.*?)"', text)[1]
                 self.assertEqual((RULES / named).resolve(), SCHEMAS / f"{schema}.xsd")
 
+    def test_rule_files_in_the_documents_are_valid(self):
+        schemas = {re.match(r"<(\w+)>", text)[1]: schema for schema, text in CORRECT.items()}
+        for page in ("README.md", "docs/guide.md"):
+            text = (ROOT / page).read_text(encoding="utf-8")
+            files = re.findall(r"^```xml\n((?:<\?.*\n)?<(\w+)>\n.*?)^```$", text,
+                               re.MULTILINE | re.DOTALL)
+            self.assertTrue(files)
+            for file, root in files:
+                with self.subTest(page=page, root=root):
+                    self.assertEqual(self.validate_text(schemas[root], file), "")
+
     def test_golden_documents_are_valid(self):
         documents = [*GOLDEN.glob("cases/*/expected.xml"), *GOLDEN.glob("samples/**/*.xml")]
         documents.remove(WITHOUT_MESSAGE)
