@@ -45,7 +45,7 @@ install(FILES ${PROJECT_BINARY_DIR}/rules/adexp.ini DESTINATION ${data_dir}/rule
 install(DIRECTORY rules/ DESTINATION ${data_dir}/rules COMPONENT tools FILES_MATCHING PATTERN "*.xml")
 install(DIRECTORY schemas/ DESTINATION ${data_dir}/schemas COMPONENT tools)
 
-# Documents, as they lie in the sources, so that links between them lead somewhere
+# Documents, laid out as in the sources, for the links between them
 install(FILES README.md CHANGELOG.md LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT tools)
 install(DIRECTORY docs samples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT tools)
 install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development)

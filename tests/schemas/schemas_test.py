@@ -152,6 +152,7 @@ class Schemas(unittest.TestCase):
             (' rule="IFPL"', "", "'rule' is required"),
             (first_item, first_item.replace("field_end", "end"), "'end' is not allowed"),
             (first_item, re.sub(r"\d+", "A", first_item), "not a valid value"),
+            (first_item, first_item + '<ADDR><item field_begin="0"/></ADDR>', "'field_end' is required"),
             ("</ADEXP_XML>", "<IFPL/></ADEXP_XML>", "not expected"),
         ])
 
