@@ -99,7 +99,7 @@ void AdexpDoc::setRootField(const RuleList* rules)
         field = getNextField(textEnd, &pos);
     }
     if (field.isEmpty()) {
-        addError(QObject::tr("begin message (-TITLE) not found"), {});
+        addErrorAt(firstWord(), QObject::tr("begin message (-TITLE) not found"), {});
         return;
     }
     const QStringView title = getNextWord(textEnd, nullptr);
@@ -182,7 +182,7 @@ QStringView AdexpDoc::getNextField(int limit, int* beginPoint)
             return {};
         }
         if (keyword->isField()) {
-            reportLoneHyphen();
+            reportLoneHyphen(dw->text);
             continue;
         }
         ++currWordListIt;
@@ -256,8 +256,8 @@ int AdexpDoc::searchEndBlock(QStringView blockName, int limit, int* endWordPoint
         m_endBlocks.emplace(&wordList, &m_arena);
     const auto cursor = static_cast<int>(currWordListIt - wordList.constBegin());
     const EndBlockIndex::Result found = m_endBlocks->search(cursor, blockName, limit);
-    for (int i = 0; i < found.loneHyphens; ++i)
-        reportLoneHyphen();
+    for (const int hyphen : found.loneHyphens)
+        reportLoneHyphen(wordList.at(hyphen)->text);
     if (found.nameWord == -1) {
         if (cursor <= m_endBlocks->nullWord()) {
             // What the two operations that read on to the null word say.
@@ -275,48 +275,64 @@ int AdexpDoc::searchEndBlock(QStringView blockName, int limit, int* endWordPoint
 
 void AdexpDoc::addError(const QString& message, QStringView detail)
 {
-    report(message, detail, Severity::Error);
+    report(placeOf(detail), message, detail, Severity::Error);
 }
 
 void AdexpDoc::addWarning(const QString& message, QStringView detail)
 {
-    report(message, detail, Severity::Warning);
+    report(placeOf(detail), message, detail, Severity::Warning);
 }
 
-void AdexpDoc::reportLoneHyphen()
+void AdexpDoc::addErrorAt(QStringView place, const QString& message, QStringView detail)
 {
-    addWarning(QObject::tr("field consists of a single character"), {});
+    report(place, message, detail, Severity::Error);
 }
 
-void AdexpDoc::report(const QString& message, QStringView detail, Severity severity)
+void AdexpDoc::reportLoneHyphen(QStringView hyphen)
+{
+    report(hyphen, QObject::tr("field consists of a single character"), {}, Severity::Warning);
+}
+
+void AdexpDoc::report(QStringView place, const QString& message, QStringView detail,
+                      Severity severity)
 {
     isValid = false;
     DiagnosticLine line(QtDebugMsg);
     line.quoted(message);
     if (!detail.isEmpty())
         line.quoted(detail);
-    Finding toObserver = finding(message, detail);
-    toObserver.severity = severity;
-    line.send(toObserver);
-}
-
-// The place is that of the detail, if it was cut out of the text, else what was read last: from the
-// last field word to the cursor.
-Finding AdexpDoc::finding(const QString& message, QStringView detail) const
-{
     Finding finding;
+    finding.severity = severity;
     finding.text = message;
     finding.detail = detail.toString();
-    const QStringView text(msgParam.text);
-    if (!detail.isEmpty() && std::less_equal<>()(text.begin(), detail.begin()) &&
-        std::less_equal<>()(detail.end(), text.end())) {
-        finding.begin = static_cast<int>(detail.begin() - text.begin());
-        finding.end = finding.begin + static_cast<int>(detail.size());
-    } else if (currWordListIt != wordList.constBegin()) {
-        finding.begin = (*std::min(lastFieldWordListIt, currWordListIt - 1))->beginPoint;
-        finding.end = (*(currWordListIt - 1))->endPoint();
+    if (!place.isEmpty()) {
+        finding.begin = static_cast<int>(place.begin() - QStringView(msgParam.text).begin());
+        finding.end = finding.begin + static_cast<int>(place.size());
     }
-    return finding;
+    line.send(finding);
+}
+
+// The detail, if it was cut out of the text, else what was read last.
+QStringView AdexpDoc::placeOf(QStringView detail) const
+{
+    const QStringView text(msgParam.text);
+    const bool isInText = !detail.isEmpty() && std::less_equal<>()(text.begin(), detail.begin()) &&
+                          std::less_equal<>()(detail.end(), text.end());
+    return isInText ? detail : lastRead();
+}
+
+QStringView AdexpDoc::lastRead() const
+{
+    if (currWordListIt == wordList.constBegin())
+        return {};
+    const DocWord* const last = *(currWordListIt - 1);
+    const DocWord* const first = *std::min(lastFieldWordListIt, currWordListIt - 1);
+    return QStringView(first->text.begin(), last->text.end());
+}
+
+QStringView AdexpDoc::firstWord() const
+{
+    return wordList.isEmpty() || !wordList.front() ? QStringView() : wordList.front()->text;
 }
 
 const QChar* AdexpDoc::nullTerminated(QStringView data)

@@ -114,6 +114,14 @@ public:
     void addError(const QString& message, QStringView detail);
     /// Does exactly what addError() does.
     void addWarning(const QString& message, QStringView detail);
+    /// Reports what addError() reports. For observers the place of the error is @p place, a part of
+    /// the text or empty; with the two operations before it is that of the detail, if that is a
+    /// part of the text, else lastRead().
+    void addErrorAt(QStringView place, const QString& message, QStringView detail);
+
+    /// The part of the text from the field word that getNextField() took last to the word read
+    /// last; empty if nothing was read yet.
+    QStringView lastRead() const;
 
     /// Makes a field that lives as long as the document. It is never destroyed, its memory just
     /// goes away with the document's: an AdexpField holds nothing but views and memory of arena().
@@ -145,9 +153,10 @@ private:
     void wordListSplit();
     bool atEnd() const { return currWordListIt == wordList.constEnd(); }
     const DocWord* currentWord(const char* signature) const;
-    void reportLoneHyphen();
-    void report(const QString& message, QStringView detail, Severity severity);
-    Finding finding(const QString& message, QStringView detail) const;
+    void reportLoneHyphen(QStringView hyphen);
+    void report(QStringView place, const QString& message, QStringView detail, Severity severity);
+    QStringView placeOf(QStringView detail) const;
+    QStringView firstWord() const;
 
     // Words and fields, and what they hold, come from here and go away together: fields are not
     // destroyed one by one. The first bytes serve a usual message without any memory of the heap.

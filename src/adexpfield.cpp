@@ -165,8 +165,8 @@ AdexpField::Next AdexpField::parseEnd()
     if (isList) {
         const QStringView end = doc->getNextWord(endBlockPoint, nullptr);
         endWithLastWord();
-        if (end.isEmpty())
-            doc->addError(QObject::tr("end block wich out word"), fieldName); // spelling is meant
+        if (end.isEmpty()) // the spelling is meant
+            doc->addErrorAt(doc->lastRead(), QObject::tr("end block wich out word"), fieldName);
         else if (end != fieldName)
             doc->addError(QObject::tr("end block %1 but wait %2")
                               .arg(end.toString())

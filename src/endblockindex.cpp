@@ -92,7 +92,8 @@ EndBlockIndex::Result EndBlockIndex::search(int cursor, QStringView name, int li
             end = field;
             break;
         }
-        result.loneHyphens += isLoneHyphenWithin(field, limit);
+        if (isLoneHyphenWithin(field, limit))
+            result.loneHyphens.push_back(m_fields[field].word);
         field += takesFieldWord(field) ? 2 : 1;
     }
     // From there on the way is the same for all.
@@ -116,6 +117,6 @@ EndBlockIndex::Result EndBlockIndex::search(int cursor, QStringView name, int li
     for (auto hyphen = std::lower_bound(m_loneHyphens.cbegin(), m_loneHyphens.cend(), field);
          hyphen != m_loneHyphens.cend() && *hyphen < end && isLoneHyphenWithin(*hyphen, limit);
          ++hyphen)
-        ++result.loneHyphens;
+        result.loneHyphens.push_back(m_fields[*hyphen].word);
     return result;
 }

@@ -29,9 +29,9 @@ public:
 
     struct Result
     {
-        int endWord = -1;    ///< index of the "-END" word (of the hyphen, if it stands alone)
-        int nameWord = -1;   ///< index of the name; -1: the end of the block is not there
-        int loneHyphens = 0; ///< hyphens without a keyword that were passed on the way
+        int endWord = -1;  ///< index of the "-END" word (of the hyphen, if it stands alone)
+        int nameWord = -1; ///< index of the name; -1: the end of the block is not there
+        std::vector<int> loneHyphens; ///< indexes of hyphens without a keyword, passed on the way
     };
 
     /// Looks from the word @p cursor (an index) on for the end of the block @p name, up to the
