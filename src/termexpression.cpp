@@ -7,6 +7,7 @@
 #include <QObject>
 
 #include <algorithm>
+#include <limits>
 #include <memory>
 
 namespace {
@@ -16,6 +17,19 @@ namespace {
 bool endsWord(QChar c)
 {
     return c.isSpace() || QStringView(u"|!+'([{").contains(c);
+}
+
+// The largest number that is read as a repeat count.
+constexpr int MaxRepeatCount = std::numeric_limits<int>::max();
+
+bool isDecimalDigit(QChar c)
+{
+    return c >= u'0' && c <= u'9';
+}
+
+bool isDecimal(const QString& word)
+{
+    return std::all_of(word.cbegin(), word.cend(), isDecimalDigit);
 }
 
 } // namespace
@@ -506,6 +520,8 @@ QString TermExpression::get_term(const QChar& open, const QChar& close, QString*
             const int number = pendingWord->toInt(&isNumber);
             if (isNumber)
                 *minCount = number;
+            else if (isDecimal(*pendingWord))
+                reportTooLargeCount(*pendingWord, QObject::tr(" and is taken for a name"));
         }
         if (isNumber)
             pendingWord->clear();
@@ -555,14 +571,25 @@ int TermExpression::readMaxCount()
     while (begin != textEnd() && *begin == u' ')
         ++begin;
     const QChar* end = begin;
-    while (end != textEnd() && *end >= u'0' && *end <= u'9')
+    while (end != textEnd() && isDecimalDigit(*end))
         ++end;
     const bool isCount =
         begin != end && (end == textEnd() || QStringView(u" !|+'{([").contains(*end));
     if (!isCount)
         return -1;
     parsePos = end;
-    return QString(begin, static_cast<int>(end - begin)).toInt(); // 0 if it does not fit
+    const QString digits(begin, static_cast<int>(end - begin));
+    bool fits = false;
+    const int count = digits.toInt(&fits);
+    if (!fits)
+        reportTooLargeCount(digits, QObject::tr(" and counts as 0"));
+    return fits ? count : 0;
+}
+
+void TermExpression::reportTooLargeCount(const QString& digits, const QString& outcome) const
+{
+    configErrorMessage(
+        QObject::tr("repeat count %1 is larger than %2").arg(digits).arg(MaxRepeatCount) + outcome);
 }
 
 void TermExpression::append_operator(const QString& nextTermText)

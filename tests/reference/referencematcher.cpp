@@ -72,6 +72,21 @@ bool isAsciiDigit(QChar character)
     return character >= QChar(u'0') && character <= QChar(u'9');
 }
 
+/// True for a number that does not fit into 31 bits.
+bool isTooLarge(const QString& word)
+{
+    int firstDigit = 0;
+    for (const QChar character : word) {
+        if (!isAsciiDigit(character))
+            return false;
+    }
+    while (firstDigit < word.size() && word.at(firstDigit) == QChar(u'0'))
+        ++firstDigit;
+    const QString number = word.mid(firstDigit);
+    const QString largest = QStringLiteral("2147483647");
+    return number.size() != largest.size() ? number.size() > largest.size() : number > largest;
+}
+
 void setRepeatCount(Term* term, int least, int most, QStringList* messages)
 {
     if (least == NotGiven)
@@ -175,6 +190,10 @@ private:
             if (isNumber) {
                 least = number;
                 m_word.clear();
+            } else if (isTooLarge(m_word)) {
+                m_messages->append(QStringLiteral("repeat count ") + m_word +
+                                   QStringLiteral(" is larger than 2147483647") +
+                                   QStringLiteral(" and is taken for a name"));
             }
             most = readMaximum();
         }
@@ -235,7 +254,13 @@ private:
         if (at < m_text.size() && !QStringLiteral(" !|+'{([").contains(m_text.at(at)))
             return NotGiven;
         m_at = at;
-        return digits.toInt(); // 0 for a number that does not fit
+        if (isTooLarge(digits)) {
+            m_messages->append(QStringLiteral("repeat count ") + digits +
+                               QStringLiteral(" is larger than 2147483647") +
+                               QStringLiteral(" and counts as 0"));
+            return 0;
+        }
+        return digits.toInt();
     }
 
     bool readOperator(QChar character)

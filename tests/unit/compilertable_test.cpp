@@ -334,7 +334,13 @@ TEST(CompilerTable, number_before_the_brace_is_a_count_only_if_it_is_a_whole_wor
         {u"-3{A}", u"$-3{A}536870911$"},
         {u"-3{A}2", u"$-3{A}2$"},
         {u"-2147483648{A}1", u"$-2147483648{A}1$"},
-        {u"2147483648{A}", u"<E>$2147483648$ ! SEP ! $0{A}536870911$</E>"},
+        {u"2147483648{A}",
+         u"<E>$2147483648$ ! SEP ! $0{A}536870911$</E>",
+         {u"repeat count 2147483648 is larger than 2147483647 and is taken for a name"}},
+        {u"002147483647{A}1",
+         u"$1{A}1$",
+         {u"minimum repeat count = 2147483647 more than maximum repeat count = 1"}},
+        {u"-2147483649{A}", u"<E>$-2147483649$ ! SEP ! $0{A}536870911$</E>"},
         {u"SEP{A}", u"<E>SEP ! $0{A}536870911$</E>"},
     });
 }
@@ -362,8 +368,16 @@ TEST(CompilerTable, number_after_the_brace_is_a_count_only_if_nothing_is_glued_t
         {u"{A}2 3{B}4", u"<E>$0{A}2$ ! SEP ! $3{B}4$</E>"},
         {u"({A}5)", u"<E>$0{A}5$</E>"},
         {u"{A}2147483647", u"$0{A}2147483647$"},
-        {u"{A}2147483648", u"$0{A}0$"},
-        {u"{A}99999999999999999999 B", u"<E>$0{A}0$ ! SEP ! $B$</E>"},
+        {u"{A}2147483648",
+         u"$0{A}0$",
+         {u"repeat count 2147483648 is larger than 2147483647 and counts as 0"}},
+        {u"{A}4294967297",
+         u"$0{A}0$",
+         {u"repeat count 4294967297 is larger than 2147483647 and counts as 0"}},
+        {u"{A}99999999999999999999 B",
+         u"<E>$0{A}0$ ! SEP ! $B$</E>",
+         {u"repeat count 99999999999999999999 is larger than 2147483647 and counts as 0"}},
+        {u"{A}99999999999999999999X", u"<E>$0{A}536870911$ ! SEP ! $99999999999999999999X$</E>"},
     });
 }
 
@@ -379,7 +393,8 @@ TEST(CompilerTable, corrected_repeat_counts)
         {u"1{A}0", u"$0{A}0$", {u"minimum repeat count = 1 more than maximum repeat count = 0"}},
         {u"2{A}99999999999",
          u"$0{A}0$",
-         {u"minimum repeat count = 2 more than maximum repeat count = 0"}},
+         {u"repeat count 99999999999 is larger than 2147483647 and counts as 0",
+          u"minimum repeat count = 2 more than maximum repeat count = 0"}},
         {u"2147483647{A}",
          u"$536870911{A}536870911$",
          {u"minimum repeat count = 2147483647 more than maximum repeat count = 536870911"}},
