@@ -4,6 +4,7 @@
 #include "diagnosticline.h"
 #include "largememory.h"
 #include "mainclass.h"
+#include "qtmemory.h"
 
 #include <QSettings>
 
@@ -33,7 +34,8 @@ const char* settingsErrorText(QSettings::Status status)
 InitResult load(const QString& path)
 {
     delete mc;
-    mc = nullptr; // until the next line has its memory
+    mc = nullptr; // until there is memory for the next one
+    QtMemory::requireForSettings(path);
     mc = new MainClass(nullptr);
     QSettings settings(path, QSettings::IniFormat);
     const QSettings::Status status = settings.status();

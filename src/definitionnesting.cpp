@@ -11,11 +11,11 @@ int DefinitionNesting::depthOf(const TermStd* term)
     const auto begin = [this](const TermStd* next) {
         Definition definition{next, {}, 0};
         collect(next, 0, &definition);
-        m_depths.insert(next, 0); // under way
+        m_depths[next] = 0; // under way
         return definition;
     };
-    if (const auto known = m_depths.constFind(term); known != m_depths.constEnd())
-        return known.value();
+    if (const auto known = m_depths.find(term); known != m_depths.cend())
+        return known->second;
 
     std::vector<Definition> stack;
     stack.push_back(begin(term));
@@ -23,7 +23,7 @@ int DefinitionNesting::depthOf(const TermStd* term)
         Definition& top = stack.back();
         if (top.references.empty()) {
             const int depth = top.depth;
-            m_depths.insert(top.term, depth);
+            m_depths[top.term] = depth;
             stack.pop_back();
             if (stack.empty())
                 return depth;
@@ -32,11 +32,11 @@ int DefinitionNesting::depthOf(const TermStd* term)
         // The reference stays in its place until the term it names is known.
         const Reference& reference = top.references.back();
         const TermStd* const target = m_terms->search(reference.name);
-        if (target && !m_depths.contains(target)) {
+        if (target && m_depths.count(target) == 0) {
             stack.push_back(begin(target));
             continue;
         }
-        top.depth = std::max(top.depth, reference.level + (target ? m_depths.value(target) : 0));
+        top.depth = std::max(top.depth, reference.level + (target ? m_depths.at(target) : 0));
         top.references.pop_back();
     }
 }

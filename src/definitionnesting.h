@@ -3,9 +3,9 @@
 
 #include "namedlist.h"
 
-#include <QHash>
 #include <QString>
 
+#include <unordered_map>
 #include <vector>
 
 /// Tells how deep definitions nest, brackets and references to other definitions taken together.
@@ -40,7 +40,7 @@ private:
     static void collect(const TermStd* term, int level, Definition* definition);
 
     const TermList* m_terms;
-    QHash<const TermStd*, int> m_depths;
+    std::unordered_map<const TermStd*, int> m_depths; // of the terms counted or under way
 };
 
 #endif

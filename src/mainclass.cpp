@@ -4,6 +4,7 @@
 #include "definitionnesting.h"
 #include "diagnosticline.h"
 #include "msgrule.h"
+#include "qtmemory.h"
 #include "termexpression.h"
 #include "xmlnesting.h"
 
@@ -41,12 +42,33 @@ bool isDisabled(const QDomElement& record)
     return record.attribute(QStringLiteral("active")) == QLatin1String("false");
 }
 
+// The text that QDomElement::text() gives; that leaks what it has when memory runs out. Recursion
+// is bounded: no file with elements nested deeper than XmlNesting::MaxDepth is read.
+QString textOf(const QDomNode& element)
+{
+    QString text;
+    for (QDomNode node = element.firstChild(); !node.isNull(); node = node.nextSibling()) {
+        if (node.isText()) // a CDATA section is a text, too
+            text += node.nodeValue();
+        else if (node.isElement())
+            text += textOf(node);
+    }
+    return text;
+}
+
 void setItem(ConfigInfo* item, const QDomElement& record, const QString& nameAttribute,
              const QString& textElement)
 {
     item->setXMLData(&record);
     item->recordName = record.attribute(nameAttribute).toUpper();
-    item->ruleText = record.firstChildElement(textElement).text().toUpper();
+    item->ruleText = textOf(record.firstChildElement(textElement)).toUpper();
+}
+
+template <typename Item>
+void appendTo(NamedList<Item>* list, std::unique_ptr<Item> item)
+{
+    list->append(item.get());
+    static_cast<void>(item.release()); // only now, since append() may throw
 }
 
 // False, after a report, if the definition nests so deep that checking it is not safe.
@@ -121,6 +143,7 @@ bool MainClass::ruleDomDocumentsetContent(const QString& path, QDomDocument* doc
         return reportParseError(
             place->line, place->column,
             tr("elements are nested deeper than %1 levels").arg(XmlNesting::MaxDepth));
+    QtMemory::requireForDom(content);
     QString error;
     int line = 0;
     int column = 0;
@@ -169,10 +192,11 @@ void MainClass::readTermRecord(const QDomElement& element, const QString& record
     }
     // A text that does not compile was reported by the compiler; nothing is added here, unlike for
     // the message rules, and this is meant.
-    if (TermStd* const term = TermExpression::append_expression(item, true)) {
-        term->containsField = containsField;
-        termsList.append(term);
-    }
+    std::unique_ptr<TermStd> term(TermExpression::append_expression(item, true));
+    if (!term)
+        return;
+    term->containsField = containsField;
+    appendTo(&termsList, std::move(term));
 }
 
 TermStd* MainClass::termsList_search(const TermList* list, const QString& name)
@@ -218,8 +242,7 @@ void MainClass::readMsgRuleRecord(const QDomElement& element, ConfigInfo* item)
         reportRule(tr("rule \"") + item->ruleText + tr("\" no valid, record ignored"));
         return;
     }
-    msgRules.append(rule.get());
-    static_cast<void>(rule.release()); // only now, since append() may throw
+    appendTo(&msgRules, std::move(rule));
 }
 
 void MainClass::termsList_checkConfig()

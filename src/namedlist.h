@@ -1,11 +1,12 @@
 #ifndef NAMEDLIST_H
 #define NAMEDLIST_H
 
-#include <QHash>
+#include <QHashFunctions>
 #include <QList>
 #include <QStringView>
 
 #include <algorithm>
+#include <unordered_map>
 
 class MsgRule;
 class TermStd;
@@ -18,17 +19,25 @@ template <typename Item>
 class NamedList
 {
 public:
-    /// Adds @p item (not null) at the end.
+    /// Adds @p item (not null) at the end. If memory runs out, the list is as it was.
     void append(Item* item)
     {
         m_items.append(item);
-        if (!search(item->config.recordName))
-            m_firstByName.insert(item->config.recordName, item);
+        try {
+            m_firstByName.emplace(item->config.recordName, item); // keeps the first of a name
+        } catch (...) {
+            m_items.removeLast();
+            throw;
+        }
     }
 
     /// The first item, in list order, whose record name equals @p name exactly; null if there is
     /// none.
-    Item* search(QStringView name) const { return m_firstByName.value(name, nullptr); }
+    Item* search(QStringView name) const
+    {
+        const auto found = m_firstByName.find(name);
+        return found == m_firstByName.cend() ? nullptr : found->second;
+    }
 
     /// Goes through the list and takes out each item for which @p keep(item) is false. An item that
     /// was taken out is not found any more by the calls of @p keep that follow. Returns the items
@@ -38,7 +47,7 @@ public:
     {
         QList<Item*> kept;
         QList<Item*> taken;
-        const bool namesAreUnique = m_firstByName.size() == m_items.size();
+        const bool namesAreUnique = m_firstByName.size() == static_cast<size_t>(m_items.size());
         for (auto it = m_items.cbegin(); it != m_items.cend(); ++it) {
             if (keep(*it)) {
                 kept.append(*it);
@@ -62,18 +71,19 @@ private:
         const QStringView name = (*it)->config.recordName;
         if (search(name) != *it)
             return;
-        m_firstByName.remove(name);
+        m_firstByName.erase(name);
         if (namesAreUnique)
             return;
         const auto next = std::find_if(it + 1, m_items.cend(), [name](const Item* other) {
             return other->config.recordName == name;
         });
         if (next != m_items.cend())
-            m_firstByName.insert((*next)->config.recordName, *next);
+            m_firstByName.emplace((*next)->config.recordName, *next);
     }
 
     QList<Item*> m_items;
-    QHash<QStringView, Item*> m_firstByName;
+    // Not QHash: when memory runs out while it grows, it has lost items.
+    std::unordered_map<QStringView, Item*> m_firstByName;
 };
 
 /// The named terms of a rule set.

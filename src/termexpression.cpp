@@ -8,7 +8,7 @@
 
 #include <algorithm>
 #include <limits>
-#include <memory>
+#include <utility>
 
 namespace {
 
@@ -34,10 +34,17 @@ bool isDecimal(const QString& word)
 
 } // namespace
 
-TermExpression::TermExpression(const ConfigInfo* record, int nesting)
+TermExpression::TermExpression(const ConfigInfo* record, int nesting, NotCompiled)
     : TermStd(record), m_nesting(nesting)
 {
     ExprRuleStr = record->ruleText.simplified();
+}
+
+// Compiles in a constructor that calls another one: then the terms made so far are deleted if
+// memory runs out.
+TermExpression::TermExpression(const ConfigInfo* record, int nesting)
+    : TermExpression(record, nesting, NotCompiled())
+{
     fullExprList();
 }
 
@@ -104,17 +111,20 @@ void TermExpression::collectFirstChars()
 
 TermStd* TermExpression::search_TermField(QStringView name) const
 {
-    if (m_termsByText.isEmpty())
-        indexTerms(this);
+    if (m_termsByText.isEmpty()) {
+        TermIndex whole; // a part of it, made when memory ran out, must not stay
+        indexTerms(&whole);
+        m_termsByText = std::move(whole);
+    }
     return m_termsByText.find(name);
 }
 
-void TermExpression::indexTerms(const TermExpression* expression) const
+void TermExpression::indexTerms(TermIndex* index) const
 {
-    for (TermStd* term : expression->ExprList) {
-        m_termsByText.insert(term->ExprRuleStr, term);
+    for (TermStd* term : ExprList) {
+        index->insert(term->ExprRuleStr, term);
         if (term->type() == TermTypeExpression)
-            indexTerms(static_cast<const TermExpression*>(term));
+            static_cast<const TermExpression*>(term)->indexTerms(index);
     }
 }
 
@@ -400,7 +410,7 @@ bool TermExpression::compileLiteral(QString* pendingWord)
         return false;
     append_operator(QString());
     const ConfigInfo record = recordWithText(literal.toUpper());
-    ExprList.append(new TermSimple(&record));
+    appendTerm(std::make_unique<TermSimple>(&record));
     return true;
 }
 
@@ -425,20 +435,26 @@ bool TermExpression::compileGroup(QChar open, QString* pendingWord)
     // This is meant.
     append_operator(inner);
     const ConfigInfo record = recordWithText(inner.toUpper());
-    TermStd* const term = compilePart(&record);
+    std::unique_ptr<TermStd> term = compilePart(&record);
     if (!term)
         return false;
     term->bracketType = bracket;
     if (bracket == BracketRepeat)
         term->setRepeatCount(minCount, maxCount);
-    ExprList.append(term);
+    appendTerm(std::move(term));
     return true;
 }
 
-// The term for what stands in brackets; null after a report.
-TermStd* TermExpression::compilePart(const ConfigInfo* record) const
+void TermExpression::appendTerm(std::unique_ptr<TermStd> term)
 {
-    if (TermStd* const standard = isStdTerm(record))
+    ExprList.append(term.get());
+    static_cast<void>(term.release()); // only now, since append() may throw
+}
+
+// The term for what stands in brackets; null after a report.
+std::unique_ptr<TermStd> TermExpression::compilePart(const ConfigInfo* record) const
+{
+    if (auto standard = std::unique_ptr<TermStd>(isStdTerm(record)))
         return standard;
     // A single word becomes the same as by the way below. Rules are full of such parts ("[RFL]"),
     // and without an expression made and unmade for each the embedded rules load in 9/10 of the
@@ -446,8 +462,8 @@ TermStd* TermExpression::compilePart(const ConfigInfo* record) const
     const QString& text = record->ruleText;
     const bool isWord = std::none_of(text.cbegin(), text.cend(), endsWord);
     if (isWord && m_nesting < MaxNesting)
-        return new TermVariable(record);
-    return append_expression(record, false, m_nesting + 1);
+        return std::make_unique<TermVariable>(record);
+    return std::unique_ptr<TermStd>(append_expression(record, false, m_nesting + 1));
 }
 
 bool TermExpression::readOperator(QString* pendingWord)
@@ -613,15 +629,15 @@ void TermExpression::append_operator(const QString& nextTermText)
         nowhere.ruleText = QStringLiteral("AUTOSEP");
         return nowhere;
     }();
-    ExprList.append(new TermStd(TermTypeSep, &record));
+    appendTerm(std::make_unique<TermStd>(TermTypeSep, &record));
     OperatorsList.append(u'!');
 }
 
 void TermExpression::append_variable(const ConfigInfo* record)
 {
     append_operator(record->ruleText);
-    TermStd* const standard = isStdTerm(record);
-    ExprList.append(standard ? standard : new TermVariable(record));
+    std::unique_ptr<TermStd> standard(isStdTerm(record));
+    appendTerm(standard ? std::move(standard) : std::make_unique<TermVariable>(record));
 }
 
 void TermExpression::appendPendingWord(QString* pendingWord)

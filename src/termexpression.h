@@ -6,6 +6,7 @@
 
 #include <QList>
 
+#include <memory>
 #include <vector>
 
 /// A compiled expression: terms in text order and, between each two of them, one operator.
@@ -94,12 +95,18 @@ public:
     QChar currentOperator;
 
 private:
+    struct NotCompiled // makes a constructor of its own
+    {
+    };
+    TermExpression(const ConfigInfo* record, int nesting, NotCompiled);
+
     void fullExprList();
     bool compileTerms(QString* pendingWord);
     void readWord(QString* pendingWord);
     bool compileLiteral(QString* pendingWord);
     bool compileGroup(QChar open, QString* pendingWord);
-    TermStd* compilePart(const ConfigInfo* record) const;
+    std::unique_ptr<TermStd> compilePart(const ConfigInfo* record) const;
+    void appendTerm(std::unique_ptr<TermStd> term);
     bool readOperator(QString* pendingWord);
     void readBlank(QString* pendingWord);
     bool isComplete(QString* pendingWord);
@@ -130,7 +137,7 @@ private:
     const std::vector<Step>& steps() const;
     void updateSteps() const;
     void collectFirstChars();
-    void indexTerms(const TermExpression* expression) const;
+    void indexTerms(TermIndex* index) const;
 
     int m_nesting; // brackets around this expression
 

@@ -160,8 +160,6 @@ int TermVariable::real_parse(const QChar* data)
         DiagnosticLine::internalError("virtual int TermVariable::real_parse(const QChar*)", Loop);
         return 0;
     }
-    loopGuard = true;
-    const int matched = simpleTerm->parse(data);
-    loopGuard = false;
-    return matched;
+    const QScopedValueRollback<bool> guard(loopGuard, true);
+    return simpleTerm->parse(data);
 }
