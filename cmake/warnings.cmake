@@ -3,4 +3,5 @@
 add_library(adexp_warnings INTERFACE)
 target_compile_options(adexp_warnings INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+    $<$<CXX_COMPILER_ID:Clang>:-Wno-bitwise-instead-of-logical> # meant, for speed
     $<$<BOOL:${ADEXP_WERROR}>:-Werror>)
