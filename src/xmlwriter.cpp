@@ -58,15 +58,12 @@ char32_t takeCodePoint(const QChar*& in, const QChar* end)
     return c.unicode();
 }
 
+// Not for ASCII, of which every character that stands as it is was written before.
 char* putUtf8(char* out, char32_t c)
 {
     const auto byte = [](char32_t bits) {
         return static_cast<char>(static_cast<unsigned char>(bits));
     };
-    if (c < 0x80) {
-        *out++ = byte(c);
-        return out;
-    }
     if (c < 0x800) {
         *out++ = byte(0xc0 | (c >> 6));
     } else {
@@ -109,9 +106,9 @@ char* putName(char* out, QStringView name)
     return out;
 }
 
-// The escape of a character in text, or in an attribute value, where more has to be escaped; empty
-// if the character stands as it is.
-std::string_view escapeFor(char32_t c, bool inAttribute)
+// The escape of a character that is not plain at its place (quote, tab and line feed are plain in
+// text); empty if it needs none.
+std::string_view escapeFor(char32_t c)
 {
     switch (c) {
     case U'&':
@@ -121,11 +118,11 @@ std::string_view escapeFor(char32_t c, bool inAttribute)
     case U'\r':
         return "&#xd;";
     case U'"':
-        return inAttribute ? "&quot;" : "";
+        return "&quot;";
     case U'\t':
-        return inAttribute ? "&#x9;" : "";
+        return "&#x9;";
     case U'\n':
-        return inAttribute ? "&#xa;" : "";
+        return "&#xa;";
     default:
         return {};
     }
@@ -156,7 +153,7 @@ char* putEscaped(char* out, QStringView text, qsizetype* from, qsizetype to, boo
         if (c == U'>') {
             const bool endsSection = in - begin > 2 && in[-2] == u']' && in[-3] == u']';
             out = copyBytes(out, endsSection ? "&gt;" : ">");
-        } else if (const std::string_view escape = escapeFor(c, inAttribute); !escape.empty()) {
+        } else if (const std::string_view escape = escapeFor(c); !escape.empty()) {
             out = copyBytes(out, escape);
         } else {
             out = putUtf8(out, XmlChar::isAllowed(c) ? c : Replacement);

@@ -3,6 +3,7 @@
 import os
 import resource
 import signal
+import socket
 import subprocess
 import time
 import unittest
@@ -37,7 +38,7 @@ class Inputs(CommandTest):
         self.assertEqual(2, result.stdout.count("<ADEXP_XML "))
 
     def test_every_file_name_is_taken_as_it_is(self):
-        for name in ("two words.adexp", "line\nbreak.adexp", "[a,b]", "tree", "Überflug.adexp"):
+        for name in ("two words.adexp", "line\nbreak.adexp", "[a,b]", "[a", "tree", "Überflug.adexp"):
             with self.subTest(name=name):
                 self.assert_ends(self.convert(self.write(name, GOOD)), 0)
 
@@ -70,9 +71,9 @@ class Reports(CommandTest):
                          (result.returncode, result.stderr))
 
     def test_control_characters_are_escaped(self):
-        name = self.write("line\nbreak\x1b.adexp", REPORTED.replace("stray", "str\x07ay"))
+        name = self.write("line\nbreak\x1b\r\t.adexp", REPORTED.replace("stray", "str\x07a\x7fy"))
         self.assert_ends(self.convert(name), 1,
-                         'line\\nbreak\\x1B.adexp: "ignore word" "str\\x07ay" \n')
+                         'line\\nbreak\\x1B\\r\\t.adexp: "ignore word" "str\\x07a\\x7Fy" \n')
 
     def test_reports_about_the_rule_set_stand_behind_its_settings_one_per_line(self):
         settings = self.settings("other.ini", msgrules="msgrules-reported.xml")
@@ -92,6 +93,7 @@ class NotConverted(CommandTest):
             ([], "-TITLE", '<stdin>: not converted: it ends behind "-TITLE"'),
             ([], NO_RULE, 'no rule for the title "OTHER"'),
             ([], "- TITLE\r\nOTHER -X", 'no rule for the title "OTHER"'),
+            ([], "- TITEL OTHER", 'there is no "-TITLE" in it'),
             ([], "", 'there is no "-TITLE" in it'),
             (["folder"], "", "folder: not converted: is a folder, not a message; name the files"),
             (["gone"], "", "gone: not converted: cannot be read: No such file or directory; check"),
@@ -242,6 +244,14 @@ class OutputFolder(CommandTest):
         self.assert_ends(self.convert("-o", "/proc", stdin=GOOD), 2,
                          "/proc/stdin.xml: cannot be written: ")
 
+    def test_document_in_whose_place_a_folder_or_a_socket_stands(self):
+        os.mkdir(self.path("out/a.xml"))
+        with socket.socket(socket.AF_UNIX) as server:
+            server.bind(self.path("out/b.xml"))
+        result = self.convert("-o", "out", self.write("a", GOOD), self.write("b", GOOD))
+        self.assert_ends(result, 2, "out/a.xml: cannot be written: ", "out/b.xml: cannot be written: ")
+        self.assertEqual(["a.xml", "b.xml"], self.files("out"))
+
     @unittest.skipIf(os.geteuid() == 0, "root writes to every folder")
     def test_read_only_folder(self):
         os.chmod(self.path("out"), 0o555)
@@ -268,6 +278,13 @@ class StandardOutput(CommandTest):
     def test_full_device_is_told(self):
         with open("/dev/full", "w", encoding="utf-8") as full:
             result = self.convert(self.write("a", GOOD), stdout=full)
+        self.assert_ends(result, 2, "standard output cannot be written: No space left on device; ")
+        self.assertEqual(1, len(result.stderr.splitlines()))
+
+    def test_full_device_is_told_once_for_a_document_larger_than_the_buffer(self):
+        self.write("a", GOOD + "-POINT -LEVEL F370\n" * 5000)
+        with open("/dev/full", "w", encoding="utf-8") as full:
+            result = self.convert("a", "a", stdout=full)
         self.assert_ends(result, 2, "standard output cannot be written: No space left on device; ")
         self.assertEqual(1, len(result.stderr.splitlines()))
 

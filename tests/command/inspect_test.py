@@ -92,6 +92,15 @@ class Dump(CommandTest):
                     self.assertIn("the nearest one is " + nearest, result.stderr)
                 self.assertEqual("", result.stdout)
 
+    def test_rule_set_without_definitions_knows_no_nearest_name(self):
+        self.write("empty.xml", "<terms/>")
+        self.write("empty.ini", "[rules]\n" + "".join(
+            key + "File=empty.xml\n" for key in ("simpleTerms", "subFields", "primaryFields",
+                                                 "msgRules")))
+        result = self.run_command("dump", "--settings", "empty.ini", "ARCID")
+        self.assert_ends(result, 2, "ARCID: there is no term and no message rule of that name\n")
+        self.assertEqual("", self.run_command("dump", "--settings", "empty.ini").stdout)
+
     def test_rule_set_with_reports_ends_with_1(self):
         settings = self.settings("other.ini", msgrules="msgrules-reported.xml")
         result = self.run_command("dump", "--settings", settings, "PLAN")

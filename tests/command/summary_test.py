@@ -79,6 +79,21 @@ class Summary(CommandTest):
             self.assertIn(name + ": the folder cannot be listed: Permission denied", result.stdout)
         self.assertIn("total                1 ", result.stdout)
 
+    def test_folder_deeper_than_a_path_can_name_is_told(self):
+        """Even root cannot list it."""
+        self.write("in/a", GOOD)
+        deeper = os.open(self.path("in"), os.O_RDONLY)
+        for _ in range(20):
+            os.mkdir("d" * 250, dir_fd=deeper)
+            inside = os.open("d" * 250, os.O_RDONLY, dir_fd=deeper)
+            os.close(deeper)
+            deeper = inside
+        os.close(deeper)
+        result = self.summary("in")
+        self.assert_ends(result, 2, "adexp: 1 not converted")
+        self.assertIn("d: the folder cannot be listed: File name too long; check", result.stdout)
+        self.assertIn("total                1 ", result.stdout)
+
     def test_empty_folder(self):
         os.mkdir(self.path("in"))
         result = self.summary("in")

@@ -38,6 +38,8 @@ class WrongArguments(CommandTest):
             (["tree", "--seting=x", "a"], '"--seting"; the nearest one is "--settings"'),
             (["convert", "-x"], 'unknown option "-x"; the nearest one is "-'),
             (["tree"], "FILE is required; see adexp tree --help"),
+            (["tree", "--", "a", "b"], '"b" is one argument too many; see adexp tree --help'),
+            (["tree", "a", "--", "b"], 'unknown subcommand "b"'),
             (["tree", "a", "b"], '"b" is one argument too many; see adexp tree --help'),
             (["dump", "A", "B"], '"B" is one argument too many; see adexp dump --help'),
             (["convert", "--settings"], "--settings"),

@@ -324,6 +324,14 @@ TEST(CursorText, IsTrimmedOfAllWhiteSpace)
     EXPECT_EQ(text(c.doc.getTextFromCurrentToField(Far)), "A\u00a0B");
 }
 
+TEST(CursorText, OfOtherWhiteSpaceThanPartsWordsIsEmpty)
+{
+    Cursor c(QStringLiteral(u"\f \u2003 -C"));
+    const QStringView nothing = c.doc.getTextFromCurrentToField(Far);
+    EXPECT_TRUE(nothing.isEmpty());
+    EXPECT_EQ(c.index(), 2);
+}
+
 TEST(CursorText, IsEmptyOnAFieldWordAtTheStart)
 {
     Cursor c(QStringLiteral("A -B C"));

@@ -89,6 +89,20 @@ TEST(DefinitionNesting, BracketsCompileUpToTheLimit)
     });
 }
 
+// A bracket around a single word counts like any other, although it becomes no expression.
+TEST(DefinitionNesting, BracketsAroundASingleWordCountToo)
+{
+    const auto brackets = [](int levels) {
+        return QStringLiteral("[").repeated(levels) + QLatin1Char('A') +
+               QStringLiteral("]").repeated(levels);
+    };
+    const DiagnosticCapture capture;
+    EXPECT_TRUE(compiles(brackets(TermExpression::MaxNesting)));
+    EXPECT_TRUE(capture.lines().empty());
+    EXPECT_FALSE(compiles(brackets(TermExpression::MaxNesting + 1)));
+    EXPECT_EQ(capture.reportedTexts(), QStringList{TooDeep});
+}
+
 TEST(DefinitionNesting, DeeperBracketsAreRefusedWithOneReport)
 {
     for (const int levels : {TermExpression::MaxNesting + 1, 5000}) {

@@ -401,6 +401,11 @@ TEST(TermDump, expression_of_one_term_shows_neither_operator_nor_blank)
               QStringLiteral("<TermExpression>DIGIT</TermExpression>"));
 }
 
+TEST(TermDump, expression_without_terms)
+{
+    EXPECT_EQ(expression(u"")->dumpData(true), QStringLiteral("<TermExpression></TermExpression>"));
+}
+
 TEST(TermDump, missing_operator_shows_as_a_question_mark_and_is_an_internal_error)
 {
     const auto term = expression(u"DIGIT!ALPHA!SEP");
@@ -518,6 +523,15 @@ TEST(Reference, unresolved_one_reports_an_internal_error_where_it_needs_its_targ
         endsWith(onlyInternalError(diagnostics),
                  "TermVariable::isFirstRequiredField(const TermStd*) const simpleTerm == 0"))
         << onlyInternalError(diagnostics);
+}
+
+TEST(Reference, own_run_of_characters_needs_no_target)
+{
+    const auto term = repeated(reference(u"ARCID"), 0, -1);
+    term->stdType = TermTypeCharacter;
+    const DiagnosticCapture diagnostics;
+    EXPECT_TRUE(term->isCharacterNoLimit());
+    EXPECT_TRUE(diagnostics.lines().empty());
 }
 
 TEST(Reference, unresolved_one_answers_silently_about_fields)
@@ -1038,6 +1052,18 @@ TEST(ExpressionFirstField, running_out_of_terms_is_an_internal_error)
     EXPECT_EQ(onlyInternalError(diagnostics),
               "virtual bool TermExpression::isFirstRequiredField(const TermStd*) const check_term "
               "not found");
+}
+
+TEST(Expression, unchecked_one_matches_up_to_an_unresolved_reference)
+{
+    const auto term = expression(u"DIGIT ! ARCID");
+    DiagnosticCapture diagnostics;
+    EXPECT_EQ(term->parse(QStringLiteral("A1").constData()), 0);
+    EXPECT_TRUE(diagnostics.lines().empty());
+    EXPECT_EQ(term->parse(QStringLiteral("1A").constData()), 0);
+    EXPECT_TRUE(endsWith(onlyInternalError(diagnostics),
+                         "TermVariable::real_parse(const QChar*) simpleTerm == 0"))
+        << onlyInternalError(diagnostics);
 }
 
 TEST(Expression, is_never_character_without_limit)
