@@ -1,8 +1,9 @@
 # What cmake --install puts where. The components are the packages that cmake/packages.cmake makes of
-# them: "library" is what a program needs to run, "development" what it needs to be built, and "tools"
-# the command with all that belongs to rule sets.
+# them: "library" is what a program needs to run, "development" what it needs to be built, "python" the
+# Python module, and "tools" the command with all that belongs to rule sets.
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
+find_package(Python3 REQUIRED COMPONENTS Interpreter)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/adexp)
 set(data_dir ${CMAKE_INSTALL_DATADIR}/adexp)
@@ -30,6 +31,11 @@ cmake_path(APPEND pc_includedir ${CMAKE_INSTALL_INCLUDEDIR})
 configure_file(cmake/adexp.pc.in adexp.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/adexp.pc
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+
+# The Python module
+install(DIRECTORY bindings/python/adexp
+    DESTINATION lib/python${Python3_VERSION_MAJOR}.${Python3_VERSION_MINOR}/site-packages
+    COMPONENT python PATTERN "__pycache__" EXCLUDE)
 
 # The command
 install(TARGETS adexp_command DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)

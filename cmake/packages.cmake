@@ -8,7 +8,7 @@ set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
     OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 set(CPACK_STRIP_FILES ON)
-set(CPACK_COMPONENTS_ALL library development tools)
+set(CPACK_COMPONENTS_ALL library development python tools)
 set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/cmake/debianfiles.cmake)
 set(CPACK_ADEXP_SOURCE_DIR ${PROJECT_SOURCE_DIR})
 
@@ -16,6 +16,7 @@ set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "") # each description below begins with its own
 
 set(library_package libadexp${PROJECT_VERSION_MAJOR})
@@ -42,6 +43,18 @@ set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION
 "converter of air-traffic messages from ADEXP to XML - development files
 Header, manual page and an example of libadexp, and what CMake and
 pkg-config need to find it.")
+
+set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-adexp)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_ARCHITECTURE all)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS
+    "python3 (>= 3.9), python3:any, ${library_package} (>= ${PROJECT_VERSION})")
+set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA
+    ${CMAKE_CURRENT_LIST_DIR}/python/postinst ${CMAKE_CURRENT_LIST_DIR}/python/prerm)
+set(CPACK_COMPONENT_PYTHON_DESCRIPTION
+"converter of air-traffic messages from ADEXP to XML - Python module
+The module adexp converts messages of air-traffic services in ADEXP, the
+format of keywords and fields, into XML documents, by libadexp.")
 
 set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME adexp-tools)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION utils)

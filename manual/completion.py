@@ -151,7 +151,7 @@ def bash_completion(main, helps):
                                              for name in entry.names))
                       for key, help in keys.items()],
         "@VALUES@": [bash_row(f"{key} {name}", kind(entry)) for key, entry in options
-                     if entry.value or entry.choices for name in entry.names],
+                     if entry.value for name in entry.names],
         "@ARGUMENTS@": [bash_row("adexp", ",".join(subcommands)),
                         *(bash_row(key, bash_arguments(help))
                           for key, help in zip(subcommands, helps))],
@@ -176,11 +176,10 @@ def zsh_action(entry):
 
 
 def zsh_option(entry):
-    takes_value = entry.value or entry.choices
-    excluded = " ".join(entry.names + entry.excludes)
-    text = f"[{zsh_quoted(entry.text, '[]')}]" + (zsh_action(entry) if takes_value else "")
+    excluded = " ".join(name for name in entry.names + entry.excludes if name.startswith("-"))
+    text = f"[{zsh_quoted(entry.text, '[]')}]" + (zsh_action(entry) if entry.value else "")
     # "+": the value may follow at once; "=": behind an equals sign.
-    names = [name + ("=" if name.startswith("--") else "+") * bool(takes_value)
+    names = [name + ("=" if name.startswith("--") else "+") * bool(entry.value)
              for name in entry.names]
     return [f"'({excluded}){name}{text}'" for name in names]
 

@@ -1,6 +1,7 @@
 """Reads what `adexp --help` and `adexp SUBCOMMAND --help` print: what manual pages and completions say
 about a command is taken from there, so that it is written in one place."""
 import re
+import statistics
 import subprocess
 from dataclasses import dataclass, field
 
@@ -19,9 +20,11 @@ class Entry:
     names: list               # "-o" and "--output"; otherwise one name
     text: str
     value: str = ""           # what the option takes, "FILE"; empty: nothing
+    default: str = ""         # the value without the option; empty: none
+    check: str = ""           # which values are allowed, "INT in [0 - 9]"; empty: any
     choices: list = field(default_factory=list)   # the values that are allowed; empty: any
-    excludes: list = field(default_factory=list)  # options that cannot stand beside this one
-    required: bool = False
+    needs: list = field(default_factory=list)     # what has to stand beside it
+    excludes: list = field(default_factory=list)  # what cannot stand beside it
     repeated: bool = False    # takes any number of values
 
 
@@ -39,33 +42,34 @@ class Help:
 
 
 def heads(lines):
-    """The (head, text) pairs of a section: "  HEAD   text", or the text indented on the next line."""
+    """The (head, text) pairs of a section: "  HEAD   text", or the text indented on the next line.
+
+    All texts begin in one column. A head that reaches almost up to it has only one blank behind it.
+    """
+    begins = [match.start(1) for line in lines if (match := re.match(r" {2}\S.*? {2,}(\S)", line))]
+    column = statistics.mode(begins) if begins else None
     pairs = []
     for line in lines:
-        match = re.fullmatch(r" {2}(\S.*?)(?: {2,}(\S.*))?", line)
-        if match:
-            pairs.append((match[1], match[2] or ""))
+        if re.match(r" {2}\S", line):
+            has_text = column and line[column - 1:column] == " "
+            pairs.append((line[:column].strip(), line[column:]) if has_text else (line.strip(), ""))
         elif pairs and line.strip():
             pairs[-1] = (pairs[-1][0], f"{pairs[-1][1]} {line.strip()}".strip())
     return pairs
 
 
 def parsed_entry(head, text):
-    """An entry from a head such as "-o,--output FILE Excludes: --summary"."""
-    names, _, rest = head.partition(" ")
-    entry = Entry(names.split(","), text)
-    excludes = re.search(r"Excludes:((?: -\S+)+)", rest)
-    if excludes:
-        entry.excludes = excludes[1].split()
-        rest = rest.replace(excludes[0], "")
-    choices = re.search(r":?\{([^}]*)\}", rest)
-    if choices:
-        entry.choices = choices[1].split(",")
-        rest = rest.replace(choices[0], "")
-    words = rest.split()
-    entry.required = "REQUIRED" in words
-    entry.repeated = "..." in words
-    entry.value = " ".join(word for word in words if word not in ("REQUIRED", "..."))
+    """An entry from a head: NAMES [VALUE[:CHECK][=DEFAULT]] [...] [REQUIRED] [Needs: ...] [Excludes: ...]"""
+    head, _, excludes = head.partition("Excludes:")
+    head, _, needs = head.partition("Needs:")
+    names, _, value = re.sub(r" REQUIRED\b", "", head).strip().partition(" ")
+    entry = Entry(names.split(","), text, needs=needs.split(), excludes=excludes.split())
+    entry.repeated = value.endswith("...")
+    value, _, entry.default = value.removesuffix("...").strip().partition("=")
+    entry.value, _, entry.check = value.partition(":")
+    if re.fullmatch(r"\{.*\}", entry.check):
+        entry.choices = entry.check[1:-1].split(",")
+        entry.check = ""
     return entry
 
 

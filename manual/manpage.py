@@ -70,12 +70,14 @@ def sentence(text):
 
 
 def entry_text(entry):
-    sentences = [sentence(entry.text)]
-    if entry.choices:
-        sentences.append(f"One of {', '.join(entry.choices)}.")
-    if entry.excludes:
-        sentences.append(f"Not together with {', '.join(entry.excludes)}.")
-    return prose(" ".join(sentences))
+    sentences = [sentence(text) for text in (entry.text, entry.check)]
+    for beginning, values in (("One of", entry.choices), ("Only with", entry.needs),
+                              ("Not together with", entry.excludes)):
+        if values:
+            sentences.append(f"{beginning} {', '.join(values)}.")
+    if entry.default:
+        sentences.append(f"Without it {entry.default}.")
+    return prose(" ".join(filter(None, sentences)))
 
 
 def entries(list_of_entries):

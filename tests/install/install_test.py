@@ -111,6 +111,23 @@ class Installed(unittest.TestCase):
             os.environ, PKG_CONFIG_PATH=str(self.library_folder / "pkgconfig")))
         self.assertEqual(run(self.prefix / "bin" / "adexp", "--version"), f"adexp {version}")
 
+    def test_the_python_module(self):
+        if SANITIZERS:
+            self.skipTest("a library built with sanitizers cannot be loaded into Python")
+        (folder,) = self.prefix.glob("lib/python3.*/site-packages")
+        self.assertEqual([path.name for path in folder.rglob("*.pyc")], [])
+        program = ("import adexp, sys\n"
+                   "with adexp.Converter() as converter:\n"
+                   "    sys.stdout.buffer.write(converter.convert(sys.stdin.buffer.read()))")
+        environment = dict(os.environ, PYTHONPATH=str(folder),
+                           LD_LIBRARY_PATH=str(self.library_folder))
+        self.assert_converts(sys.executable, "-B", "-c", program, cwd=self.work, env=environment)
+
+    def test_the_python_module_has_the_version_of_the_library(self):
+        project = (ROOT / "bindings/python/pyproject.toml").read_text(encoding="utf-8")
+        version = re.search(r'^version = "(.*)"$', project, re.MULTILINE)[1]
+        self.assertEqual(run(self.prefix / "bin" / "adexp", "--version"), f"adexp {version}\n")
+
     def test_the_command(self):
         self.assert_converts(self.prefix / "bin" / "adexp", "convert")
 

@@ -58,7 +58,7 @@ class Manual(unittest.TestCase):
                 help = subprocess.run([ADEXP, *arguments, "--help"], capture_output=True, text=True,
                                       check=True).stdout
                 # What belongs to the layout of the help.
-                help = re.sub(r" REQUIRED\b|\b(Excludes|Usage|Positionals|Examples?):", " ", help,
+                help = re.sub(r" REQUIRED\b|\b(Needs|Excludes|Usage|Positionals|Examples?):", " ", help,
                               flags=re.IGNORECASE)
                 page = "-".join(["adexp", *arguments]) + ".1"
                 text, _ = shown(PAGES / "man1" / page)
