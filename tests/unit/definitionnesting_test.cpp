@@ -1,43 +1,17 @@
 // How deep definitions may nest, and that nothing deeper than that takes the stack away.
 
 #include "support/diagnosticcapture.h"
+#include "support/smallstack.h"
 
 #include "mainclass.h"
 #include "termexpression.h"
 
 #include <gtest/gtest.h>
 
-#include <functional>
-
-#include <pthread.h>
-
 namespace {
 
 const QString TooDeep = QStringLiteral("brackets and references are nested deeper than 128 levels");
 const QString Removed = QStringLiteral("term  no valid, entry is removed");
-
-#if defined(__SANITIZE_ADDRESS__)
-constexpr size_t SmallStack = 2048 * 1024; // the sanitizer makes each frame several times as large
-#else
-constexpr size_t SmallStack = 256 * 1024;
-#endif
-
-// Runs the task in a thread that has a small stack.
-void runWithSmallStack(const std::function<void()>& task)
-{
-    pthread_attr_t attributes;
-    ASSERT_EQ(pthread_attr_init(&attributes), 0);
-    ASSERT_EQ(pthread_attr_setstacksize(&attributes, SmallStack), 0);
-    pthread_t thread{};
-    const auto entry = [](void* argument) -> void* {
-        (*static_cast<const std::function<void()>*>(argument))();
-        return nullptr;
-    };
-    ASSERT_EQ(
-        pthread_create(&thread, &attributes, entry, const_cast<std::function<void()>*>(&task)), 0);
-    pthread_join(thread, nullptr);
-    pthread_attr_destroy(&attributes);
-}
 
 void define(MainClass* converter, const QString& name, const QString& text)
 {
