@@ -306,6 +306,7 @@ void AdexpDoc::report(QStringView place, const QString& message, QStringView det
     finding.text = message;
     finding.detail = detail.toString();
     if (!place.isEmpty()) {
+        // cppcheck-suppress mismatchingContainerExpression  // place is a part of the text
         finding.begin = static_cast<int>(place.begin() - QStringView(msgParam.text).begin());
         finding.end = finding.begin + static_cast<int>(place.size());
     }

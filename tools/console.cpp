@@ -47,7 +47,8 @@ std::string escaped(std::string_view text)
 void printError(std::string_view subject, std::string_view text)
 {
     const std::string line = escaped(subject) + ": " + escaped(text) + '\n';
-    std::fwrite(line.data(), 1, line.size(), stderr);
+    // If this fails there is no place left to tell it.
+    static_cast<void>(std::fwrite(line.data(), 1, line.size(), stderr));
 }
 
 void StandardOutput::write(std::string_view text)

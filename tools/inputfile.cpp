@@ -17,8 +17,11 @@ namespace {
 // The library counts the bytes of a message in 31 bits.
 constexpr std::size_t MaxMessageSize = INT_MAX;
 
-const std::string TooLarge = "is larger than " + std::to_string(MaxMessageSize) +
-                             " bytes, the most a message may have; check that it is a message";
+std::string tooLarge()
+{
+    return "is larger than " + std::to_string(MaxMessageSize) +
+           " bytes, the most a message may have; check that it is a message";
+}
 
 struct CloseFile
 {
@@ -26,7 +29,7 @@ struct CloseFile
     void operator()(std::FILE* file) const
     {
         if (file != stdin)
-            std::fclose(file);
+            static_cast<void>(std::fclose(file)); // nothing was written that could be lost
     }
 };
 using File = std::unique_ptr<std::FILE, CloseFile>;
@@ -48,7 +51,7 @@ std::string checkKindAndSize(std::FILE* file)
     if (S_ISDIR(info.st_mode))
         return "is a folder, not a message; name the files in it";
     if (S_ISREG(info.st_mode) && static_cast<std::size_t>(info.st_size) > MaxMessageSize)
-        return TooLarge;
+        return tooLarge();
     return {};
 }
 
@@ -72,7 +75,7 @@ std::string readInput(const std::string& argument, std::string* text)
         const std::size_t got = std::fread(buffer.data(), 1, buffer.size(), file.get());
         text->append(buffer.data(), got);
         if (text->size() > MaxMessageSize)
-            return TooLarge;
+            return tooLarge();
         if (got < buffer.size())
             return std::ferror(file.get()) ? readError(errno) : std::string();
     }

@@ -29,11 +29,13 @@ void fillClosedStandardStreams()
 void prepareProcess()
 {
     fillClosedStandardStreams();
-    // A closed pipe and a reached file size limit shall be errors of writing.
-    std::signal(SIGPIPE, SIG_IGN);
-    std::signal(SIGXFSZ, SIG_IGN);
-    // The encoding of file names, for Qt 5. Qt 6 has UTF-8 always.
-    std::setlocale(LC_CTYPE, "");
+    // A closed pipe and a reached file size limit shall be errors of writing. These calls cannot
+    // fail.
+    static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
+    static_cast<void>(std::signal(SIGXFSZ, SIG_IGN));
+    // The encoding of file names, for Qt 5; if there is no such locale it stays "C". Qt 6 has UTF-8
+    // always.
+    static_cast<void>(std::setlocale(LC_CTYPE, ""));
 }
 
 ExitCode run(int argc, const char* const* argv)
