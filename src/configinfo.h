@@ -18,6 +18,7 @@ public:
     int columnNumber = 0; ///< column of the record's element, as QDomNode counts it
     QString recordName;   ///< name (of a message rule: title) of the record, in upper case
     QString ruleText;     ///< expression text of the record or of the sub-term, in upper case
+    int textBegin = 0; ///< where ruleText stands in the simplified expression of the record, from 0
 
     /// Sets the file that the record stands in.
     void setXMLFile(const QString& file);
@@ -26,7 +27,7 @@ public:
     /// stay as they are.
     void setXMLData(const QDomElement* element);
 
-    /// Copies all six values from @p other (not null).
+    /// Copies all values from @p other (not null).
     void copyParam(const ConfigInfo* other);
 
     /// The place alone: "file simple.xml line 12, column 5".

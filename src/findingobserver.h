@@ -12,12 +12,21 @@ enum class Severity {
     Error,   ///< what it is about is wrong, or is not used
 };
 
+/// How a finding about a rule set stands to others.
+enum class FindingKind {
+    Cause,       ///< look here
+    UnknownName, ///< the detail is a name that no definition has, perhaps for a reason that another
+                 ///< finding gives
+    Consequence, ///< of another finding; it would not be there without it
+};
+
 /// What one line of the diagnostics says, as values: nobody has to read the line to learn its
 /// place.
 struct Finding
 {
     QtMsgType type = QtDebugMsg; ///< QtCriticalMsg: a broken invariant of the library itself
     Severity severity = Severity::Error;
+    FindingKind kind = FindingKind::Cause;
     QString text;      ///< what was found, without its place; never empty
     QString detail;    ///< the text that it was found in; may be empty
     ConfigInfo record; ///< in a rule set: the record; without a file if there is none

@@ -17,16 +17,22 @@
 namespace {
 
 // The reports begin with the full signature of the operation, as users' scripts know it.
-void report(const char* signature, const QString& text)
+void report(const char* signature, const QString& file, const QString& text,
+            FindingKind kind = FindingKind::Cause)
 {
-    DiagnosticLine(QtDebugMsg).plain(signature).quoted(text).send();
+    Finding finding;
+    finding.kind = kind;
+    finding.text = text;
+    finding.record.xmlFile = file;
+    DiagnosticLine(QtDebugMsg).plain(signature).quoted(text).send(finding);
 }
 
 // The same, about the record at @p place; @p head goes before the text in the line only.
 void reportRecord(const char* signature, const ConfigInfo& place, const QString& head,
-                  const QString& text)
+                  const QString& text, FindingKind kind = FindingKind::Cause)
 {
     Finding finding;
+    finding.kind = kind;
     finding.text = text;
     finding.detail = place.ruleText;
     finding.record = place;
@@ -119,12 +125,13 @@ bool MainClass::ruleDomDocumentsetContent(const QString& path, QDomDocument* doc
     static const char* const Signature =
         "bool MainClass::ruleDomDocumentsetContent(const QString&, QDomDocument*)";
     if (path.isEmpty()) {
-        report(Signature, tr("file path is empty"));
+        report(Signature, path, tr("file path is empty"));
         return false;
     }
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
-        report(Signature, tr("can not open file ") + path + tr(" for read: ") + file.errorString());
+        report(Signature, path,
+               tr("can not open file ") + path + tr(" for read: ") + file.errorString());
         return false;
     }
     const auto reportParseError = [&path](qint64 line, qint64 column, const QString& error) {
@@ -155,7 +162,8 @@ bool MainClass::readTermsXMLFile(const QString& path, const QString& recordTag, 
 {
     QDomDocument document;
     if (!ruleDomDocumentsetContent(path, &document)) {
-        report(ReadTermsSignature, tr("can not read ") + recordTag + tr(" records"));
+        report(ReadTermsSignature, path, tr("can not read ") + recordTag + tr(" records"),
+               FindingKind::Consequence);
         return false;
     }
     ConfigInfo item;
@@ -224,8 +232,8 @@ void MainClass::readMsgRuleRecord(const QDomElement& element, ConfigInfo* item)
     // Before the tag is looked at: a misnamed record is reported at its own place, unlike in the
     // term files, and this is meant.
     setItem(item, element, QStringLiteral("title"), QStringLiteral("fields"));
-    const auto reportRule = [item](const QString& text) {
-        reportRecord(ReadMsgRulesSignature, *item, item->xmlErrorHead(), text);
+    const auto reportRule = [item](const QString& text, FindingKind kind = FindingKind::Cause) {
+        reportRecord(ReadMsgRulesSignature, *item, item->xmlErrorHead(), text, kind);
     };
     if (element.tagName() != QLatin1String("msgRule")) {
         reportRule(tr("bad tag name ") + element.tagName());
@@ -239,7 +247,8 @@ void MainClass::readMsgRuleRecord(const QDomElement& element, ConfigInfo* item)
     }
     auto rule = std::make_unique<MsgRule>(item, this);
     if (!rule->check_config(&termsList)) {
-        reportRule(tr("rule \"") + item->ruleText + tr("\" no valid, record ignored"));
+        reportRule(tr("rule \"") + item->ruleText + tr("\" no valid, record ignored"),
+                   FindingKind::Consequence);
         return;
     }
     appendTo(&msgRules, std::move(rule));
@@ -251,8 +260,10 @@ void MainClass::termsList_checkConfig()
     qDeleteAll(termsList.takeUnless([this, &nesting](TermStd* term) {
         if (!term->configChecked) {
             if (!isWithinNesting(term, &nesting) || !term->check_config(&termsList)) {
+                Finding finding;
+                finding.kind = FindingKind::Consequence;
                 // Two blanks; this is meant.
-                term->configErrorMessage(tr("term  no valid, entry is removed"));
+                term->configErrorMessage(tr("term  no valid, entry is removed"), finding);
                 return false;
             }
             term->configChecked = true;

@@ -12,6 +12,9 @@
 
 namespace {
 
+// The text of a separator that the compiler has put between two terms.
+constexpr const char* InsertedSeparator = "AUTOSEP";
+
 // True for the characters that no word of an expression holds. Texts of records may hold any white
 // space, before it is simplified to blanks.
 bool endsWord(QChar c)
@@ -338,12 +341,41 @@ void TermExpression::erase_first_term()
     ExprList.removeFirst();
 }
 
-ConfigInfo TermExpression::recordWithText(const QString& text) const
+ConfigInfo TermExpression::recordWithText(const QString& text, int begin) const
 {
     ConfigInfo record;
     record.copyParam(&config);
     record.ruleText = text;
+    record.textBegin = config.textBegin + begin;
     return record;
+}
+
+int TermExpression::position(const QChar* place) const
+{
+    return static_cast<int>(place - ExprRuleStr.constData());
+}
+
+void TermExpression::errorAt(const QChar* place, const QString& text) const
+{
+    Finding finding;
+    finding.begin = config.textBegin + position(place);
+    configErrorMessage(text, finding);
+}
+
+// Where the term at the index begins with its bracket, or the one behind it if that is an inserted
+// separator.
+const QChar* TermExpression::beginOfTerm(int index) const
+{
+    const TermStd* term = ExprList.at(index);
+    if (term->isSeparator() && term->ExprRuleStr == QLatin1String(InsertedSeparator))
+        term = ExprList.at(index + 1);
+    const QChar* const text = ExprRuleStr.constData();
+    const QChar* const begin = text + (term->config.textBegin - config.textBegin);
+    const QChar* bracket = begin;
+    while (bracket != text && bracket[-1] == u' ')
+        --bracket;
+    const QStringView brackets = term->type() == TermTypeSimple ? u"'" : u"([{";
+    return bracket != text && brackets.contains(bracket[-1]) ? bracket - 1 : begin;
 }
 
 const QChar* TermExpression::textEnd() const
@@ -400,16 +432,18 @@ void TermExpression::readWord(QString* pendingWord)
 {
     const QChar* const begin = parsePos;
     parsePos = std::find_if(parsePos, textEnd(), endsWord);
+    m_wordBegin = position(begin);
     pendingWord->append(begin, static_cast<int>(parsePos - begin));
 }
 
 bool TermExpression::compileLiteral(QString* pendingWord)
 {
+    const int partBegin = position(parsePos) + 1;
     const QString literal = get_term(u'\'', u'\'', pendingWord, nullptr, nullptr);
     if (literal.isEmpty())
         return false;
     append_operator(QString());
-    const ConfigInfo record = recordWithText(literal.toUpper());
+    const ConfigInfo record = recordWithText(literal.toUpper(), partBegin);
     appendTerm(std::make_unique<TermSimple>(&record));
     return true;
 }
@@ -420,6 +454,7 @@ bool TermExpression::compileGroup(QChar open, QString* pendingWord)
     int maxCount = -1;
     QString inner;
     int bracket = BracketNone;
+    const int partBegin = position(parsePos) + 1;
     if (open == u'{') {
         bracket = BracketRepeat;
         inner = get_term(open, u'}', pendingWord, &minCount, &maxCount);
@@ -434,7 +469,8 @@ bool TermExpression::compileGroup(QChar open, QString* pendingWord)
     // The text as written, before upper-casing: "(sep)" is preceded by a separator, "(SEP)" is not.
     // This is meant.
     append_operator(inner);
-    const ConfigInfo record = recordWithText(inner.toUpper());
+    const int blanks = inner.startsWith(u' ') ? 1 : 0; // not part of the simplified inner text
+    const ConfigInfo record = recordWithText(inner.toUpper(), partBegin + blanks);
     std::unique_ptr<TermStd> term = compilePart(&record);
     if (!term)
         return false;
@@ -471,11 +507,11 @@ bool TermExpression::readOperator(QString* pendingWord)
     if (!pendingWord->isEmpty()) {
         appendPendingWord(pendingWord);
     } else if (!currentOperator.isNull()) {
-        configErrorMessage(QObject::tr("two statements one after another without the term ") +
-                           currentOperator + u' ' + *parsePos);
+        errorAt(parsePos, QObject::tr("two statements one after another without the term ") +
+                              currentOperator + u' ' + *parsePos);
         return false;
     } else if (ExprList.isEmpty()) {
-        configErrorMessage(QObject::tr("operator ") + *parsePos + QObject::tr(" without the term"));
+        errorAt(parsePos, QObject::tr("operator ") + *parsePos + QObject::tr(" without the term"));
         return false;
     }
     currentOperator = *parsePos;
@@ -504,7 +540,9 @@ bool TermExpression::isComplete(QString* pendingWord)
         return false;
     }
     if (!currentOperator.isNull()) {
-        configErrorMessage(QObject::tr("missing the last term after operator ") + currentOperator);
+        // Nothing but a blank can stand behind it.
+        const QChar* const last = textEnd() - (ExprRuleStr.endsWith(u' ') ? 2 : 1);
+        errorAt(last, QObject::tr("missing the last term after operator ") + currentOperator);
         return false;
     }
     return true;
@@ -514,11 +552,13 @@ bool TermExpression::isComplete(QString* pendingWord)
 void TermExpression::settleOperator()
 {
     currentOperator = OperatorsList.isEmpty() ? QChar() : OperatorsList.at(0);
-    const bool mixed = std::any_of(OperatorsList.cbegin(), OperatorsList.cend(),
-                                   [this](QChar op) { return op != currentOperator; });
-    if (mixed) {
-        configErrorMessage(QObject::tr("automatic priority operations are not implemented, please "
-                                       "arrange the brackets to indicate the priority"));
+    const auto different = std::find_if(OperatorsList.cbegin(), OperatorsList.cend(),
+                                        [this](QChar op) { return op != currentOperator; });
+    if (different != OperatorsList.cend()) {
+        const auto index = static_cast<int>(different - OperatorsList.cbegin()) + 1;
+        errorAt(beginOfTerm(index),
+                QObject::tr("automatic priority operations are not implemented, please arrange the "
+                            "brackets to indicate the priority"));
         valid = false;
     }
 }
@@ -568,11 +608,11 @@ bool TermExpression::collectPart(QChar open, QChar close, QString* inner)
         QString text = QObject::tr("no clossing character ") + close; // the spelling is meant
         if (!inner->isEmpty())
             text += u' ' + *inner;
-        configErrorMessage(text);
+        errorAt(parsePos, text);
         return false;
     }
     if (inner->isEmpty()) {
-        configErrorMessage(QObject::tr("term in ") + open + close + QObject::tr(" empty"));
+        errorAt(parsePos, QObject::tr("term in ") + open + close + QObject::tr(" empty"));
         return false;
     }
     parsePos = end + 1;
@@ -626,7 +666,7 @@ void TermExpression::append_operator(const QString& nextTermText)
         return;
     static const ConfigInfo record = [] {
         ConfigInfo nowhere; // it stands nowhere in the rule files
-        nowhere.ruleText = QStringLiteral("AUTOSEP");
+        nowhere.ruleText = QLatin1String(InsertedSeparator);
         return nowhere;
     }();
     appendTerm(std::make_unique<TermStd>(TermTypeSep, &record));
@@ -642,7 +682,7 @@ void TermExpression::append_variable(const ConfigInfo* record)
 
 void TermExpression::appendPendingWord(QString* pendingWord)
 {
-    const ConfigInfo record = recordWithText(pendingWord->toUpper());
+    const ConfigInfo record = recordWithText(pendingWord->toUpper(), m_wordBegin);
     append_variable(&record);
     pendingWord->clear();
 }

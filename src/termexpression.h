@@ -119,7 +119,10 @@ private:
     void append_operator(const QString& nextTermText);
     void append_variable(const ConfigInfo* record);
     void appendPendingWord(QString* pendingWord);
-    ConfigInfo recordWithText(const QString& text) const;
+    ConfigInfo recordWithText(const QString& text, int begin) const;
+    int position(const QChar* place) const;
+    void errorAt(const QChar* place, const QString& text) const;
+    const QChar* beginOfTerm(int index) const;
     const QChar* textEnd() const;
     bool isChoice() const;
 
@@ -139,7 +142,8 @@ private:
     void collectFirstChars();
     void indexTerms(TermIndex* index) const;
 
-    int m_nesting; // brackets around this expression
+    int m_nesting;       // brackets around this expression
+    int m_wordBegin = 0; // while compiling: position of the word read last
 
     // For search_TermField(), filled by its first call: the first term of each text, depth first. A
     // rule has a hundred fields and more, and is searched for each field of a message.

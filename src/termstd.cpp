@@ -175,7 +175,9 @@ void TermStd::setRepeatCount(int min, int max)
     int newMin = min == -1 ? 0 : min;
     int newMax = max == -1 ? RepeatNoLimit : max;
     if (type() == TermTypeSep && (newMin > 1 || max > 1)) {
-        configErrorMessage(QObject::tr("in adexp the number of spaces does not matter"));
+        Finding finding;
+        finding.severity = Severity::Warning;
+        configErrorMessage(QObject::tr("in adexp the number of spaces does not matter"), finding);
         if (newMin > 0)
             newMin = 1;
         if (max > 1)
@@ -229,7 +231,13 @@ QString TermStd::dumpData(bool) const
 
 void TermStd::configErrorMessage(const QString& text) const
 {
-    Finding finding;
+    configErrorMessage(text, Finding());
+}
+
+void TermStd::configErrorMessage(const QString& text, Finding finding) const
+{
+    if (finding.begin == -1)
+        finding.begin = config.textBegin;
     finding.text = text;
     finding.detail = config.ruleText;
     finding.record = config;

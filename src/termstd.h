@@ -2,6 +2,7 @@
 #define TERMSTD_H
 
 #include "configinfo.h"
+#include "findingobserver.h"
 #include "firstchars.h"
 #include "namedlist.h"
 
@@ -131,6 +132,10 @@ public:
 
     /// Reports the configuration error @p text at the place of the term's record.
     void configErrorMessage(const QString& text) const;
+
+    /// The same; the observer is told @p finding, with the text and the term's record filled in,
+    /// and the position unless it has one.
+    void configErrorMessage(const QString& text, Finding finding) const;
 
     /// @name Character classes
     /// Each looks at the character that @p c points to and returns the units matched: 0 or 1,

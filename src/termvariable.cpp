@@ -40,9 +40,11 @@ int TermVariable::calculateOfLengthData(bool withRepeat) const
     return withRepeat ? lengthTimesMaxRepeat(length) : length;
 }
 
-bool TermVariable::fail(const QString& text)
+bool TermVariable::fail(const QString& text, FindingKind kind)
 {
-    configErrorMessage(text);
+    Finding finding;
+    finding.kind = kind;
+    configErrorMessage(text, finding);
     valid = false;
     return false;
 }
@@ -65,7 +67,8 @@ bool TermVariable::check_config(const TermList* termsList)
 
     TermStd* const term = termsList->search(ExprRuleStr);
     if (!term)
-        return fail(QObject::tr("variable ") + ExprRuleStr + QObject::tr(" not found"));
+        return fail(QObject::tr("variable ") + ExprRuleStr + QObject::tr(" not found"),
+                    FindingKind::UnknownName);
 
     if (term->configChecked) {
         valid = term->valid;
@@ -82,7 +85,8 @@ bool TermVariable::check_config(const TermList* termsList)
     }
     if (!valid)
         return fail(QObject::tr("variable ") + ExprRuleStr +
-                    QObject::tr(" was found, but variable not valid"));
+                        QObject::tr(" was found, but variable not valid"),
+                    FindingKind::Consequence);
     simpleTerm = term;
     firstChars = firstCharsOf(term);
     return true;

@@ -34,7 +34,7 @@ public:
     bool loopGuard = false;        ///< set while a call is being passed on
 
 private:
-    bool fail(const QString& text);
+    bool fail(const QString& text, FindingKind kind = FindingKind::Cause);
 };
 
 #endif

@@ -130,6 +130,16 @@ void addSettingsOption(CLI::App* command, std::string* settings)
         ->type_name("FILE");
 }
 
+void addFormatOption(CLI::App* command, bool* isJson)
+{
+    command
+        ->add_option_function<std::string>(
+            "--format", [isJson](const std::string& format) { *isJson = format == "json"; },
+            "Form of what is printed: text, or json for one object per line")
+        ->type_name("FORMAT")
+        ->check(CLI::IsMember({"text", "json"}));
+}
+
 std::optional<ExitCode> parseCommandLine(CLI::App* app, int argc, const char* const* argv)
 {
     try {

@@ -21,6 +21,9 @@ CLI::Option* addTextOption(CLI::App* command, const std::string& names, std::str
 /// Adds the option --settings to @p command.
 void addSettingsOption(CLI::App* command, std::string* settings);
 
+/// Adds the option --format to @p command; @p isJson becomes true for "json".
+void addFormatOption(CLI::App* command, bool* isJson);
+
 /// Parses the arguments of the process into the options of @p app. Returns how the command ends if
 /// nothing else is to be done: after --help, --version, and a message about wrong arguments.
 std::optional<ExitCode> parseCommandLine(CLI::App* app, int argc, const char* const* argv);

@@ -1,5 +1,6 @@
 // The command "adexp": converts messages, and shows how the library sees messages and rule sets.
 
+#include "checkcommand.h"
 #include "commandline.h"
 #include "console.h"
 #include "convertcommand.h"
@@ -46,11 +47,13 @@ ExitCode run(int argc, const char* const* argv)
     app.require_subcommand(1);
     addFooter(&app, "Example:\n  adexp convert plan.adexp > plan.xml\n");
 
+    CheckOptions checkOptions;
     ConvertOptions convertOptions;
     TreeOptions treeOptions;
     DumpOptions dumpOptions;
     const CLI::App* const convert = addConvertCommand(&app, &convertOptions);
     const CLI::App* const tree = addTreeCommand(&app, &treeOptions);
+    const CLI::App* const check = addCheckCommand(&app, &checkOptions);
     addDumpCommand(&app, &dumpOptions);
 
     if (const std::optional<ExitCode> end = parseCommandLine(&app, argc, argv))
@@ -59,6 +62,8 @@ ExitCode run(int argc, const char* const* argv)
         return runConvert(convertOptions);
     if (tree->parsed())
         return runTree(treeOptions);
+    if (check->parsed())
+        return runCheck(checkOptions);
     return runDump(dumpOptions);
 }
 

@@ -10,21 +10,10 @@
 
 namespace {
 
-// Empty if the settings can be opened. The library takes a settings file that is not there for an
-// empty one, and its report then is about the keys that are missing.
-std::string openError(const std::string& settings)
-{
-    const bool isCompiledIn = settings.front() == ':';
-    if (isCompiledIn || access(settings.c_str(), R_OK) == 0)
-        return {};
-    return std::strerror(errno);
-}
-
 ExitCode load(const std::string& settings)
 {
-    if (const std::string error = openError(settings); !error.empty()) {
-        printError(settings, "the settings file cannot be read: " + error +
-                                 "; check the name behind --settings");
+    if (const std::string error = settingsError(settings); !error.empty()) {
+        printError(settings, error);
         return ExitCode::NotDone;
     }
     const DiagnosticCollector diagnostics{std::string_view(settings)};
@@ -32,8 +21,7 @@ ExitCode load(const std::string& settings)
     case 0:
         return diagnostics.count() == 0 ? ExitCode::Success : ExitCode::WithDiagnostics;
     case 1:
-        printError(settings, "the settings file is not an ini file; give the ini file that names "
-                             "the four rule files");
+        printError(settings, NotAnIniFile);
         return ExitCode::NotDone;
     default:
         printError(settings, "the rule set cannot be loaded, the lines above say why; correct the "
@@ -43,6 +31,17 @@ ExitCode load(const std::string& settings)
 }
 
 } // namespace
+
+// The library takes a settings file that is not there for an empty one, and its report then is
+// about the keys that are missing.
+std::string settingsError(const std::string& settings)
+{
+    const bool isCompiledIn = settings.front() == ':';
+    if (isCompiledIn || access(settings.c_str(), R_OK) == 0)
+        return {};
+    return std::string("the settings file cannot be read: ") + std::strerror(errno) +
+           "; check the name behind --settings";
+}
 
 RuleSet::RuleSet(const std::string& settings) : m_status(load(settings)) {}
 

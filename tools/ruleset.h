@@ -8,6 +8,13 @@
 /// The settings path of the rule set that is compiled into the library.
 constexpr const char* BuiltInSettings = ":/adexp/adexp.ini";
 
+/// What is wrong with a settings file that can be opened, but not read.
+constexpr const char* NotAnIniFile =
+    "the settings file is not an ini file; give the ini file that names the four rule files";
+
+/// Why the settings file @p settings cannot be opened; empty if it can.
+std::string settingsError(const std::string& settings);
+
 /// The rule set of the library, loaded as long as an object of this class lives. There may be one.
 class RuleSet
 {

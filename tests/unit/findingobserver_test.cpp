@@ -1,8 +1,10 @@
 // Findings as values: their text and place, besides the line that Qt's message output gets.
 
 #include "adexpdoc.h"
+#include "diagnosticline.h"
 #include "findingobserver.h"
 #include "mainclass.h"
+#include "termexpression.h"
 
 #include "support/diagnosticcapture.h"
 #include "support/grammar.h"
@@ -11,6 +13,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstring>
+#include <memory>
 #include <vector>
 
 namespace {
@@ -140,23 +144,87 @@ TEST(FindingInARuleFile, HasTheRecordItIsAbout)
     EXPECT_EQ(findings.all[0].record.recordName, QStringLiteral("A"));
     EXPECT_EQ(findings.all[0].record.xmlFile, file);
     EXPECT_EQ(findings.all[0].record.lineNumber, 2);
-    EXPECT_EQ(findings.all[0].begin, -1);
+    EXPECT_EQ(findings.all[0].begin, 0);
     // The line names the record before; the finding has its own place.
     EXPECT_EQ(findings.all[1].text, QStringLiteral("bad tag name wrong"));
     EXPECT_EQ(findings.all[1].record.lineNumber, 3);
+}
+
+TEST(FindingAboutARuleFile, HasItsPathAndNoLine)
+{
+    const DiagnosticCapture diagnostics;
+    Findings findings;
+    MainClass converter(nullptr);
+    ASSERT_FALSE(converter.readMsgRulesXMLFile(QStringLiteral("/nowhere/rules.xml")));
+
+    ASSERT_EQ(findings.all.size(), 1U);
+    EXPECT_TRUE(findings.all[0].text.startsWith(QLatin1String("can not open file ")));
+    EXPECT_EQ(findings.all[0].record.xmlFile, QStringLiteral("/nowhere/rules.xml"));
+    EXPECT_EQ(findings.all[0].record.lineNumber, 0);
 }
 
 TEST(FindingWithoutAPlace, HasTheLineAsItsText)
 {
     const DiagnosticCapture diagnostics;
     Findings findings;
-    MainClass converter(nullptr);
-    ASSERT_FALSE(converter.readMsgRulesXMLFile(QString()));
+    DiagnosticLine::internalError("void f()", "a == 0");
 
     ASSERT_EQ(findings.all.size(), 1U);
-    EXPECT_EQ(findings.all[0].text + u' ', diagnostics.debugLines().value(0));
+    EXPECT_EQ(findings.all[0].text, QStringLiteral("void f() a == 0"));
+    EXPECT_EQ(findings.all[0].type, QtCriticalMsg);
     EXPECT_TRUE(findings.all[0].record.xmlFile.isEmpty());
 }
+
+struct PositionCase
+{
+    const char* expression;
+    const char* text; // beginning of that of the first finding
+    const char* rest; // of the simplified expression, from the position of the finding on
+};
+
+class FindingInAnExpression : public testing::TestWithParam<PositionCase>
+{
+};
+
+TEST_P(FindingInAnExpression, PointsAtWhatIsWrong)
+{
+    ConfigInfo record;
+    record.recordName = QStringLiteral("SELF");
+    record.ruleText = QString::fromUtf8(GetParam().expression);
+    const DiagnosticCapture diagnostics;
+    Findings findings;
+    const TermList noTerms;
+    const std::unique_ptr<TermStd> term(TermExpression::append_expression(&record, true));
+    if (term)
+        term->check_config(&noTerms);
+
+    ASSERT_FALSE(findings.all.empty());
+    const Finding& finding = findings.all.front();
+    EXPECT_EQ(finding.text.left(static_cast<int>(strlen(GetParam().text))).toStdString(),
+              GetParam().text);
+    EXPECT_EQ(record.ruleText.simplified().mid(finding.begin).toStdString(), GetParam().rest);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Expressions, FindingInAnExpression,
+    testing::Values(PositionCase{"", "term list is empty", ""},
+                    PositionCase{"ALPHA (", "no clossing", "("},
+                    PositionCase{"  ALPHA \n [A {B C]", "no clossing character }", "{B C]"},
+                    PositionCase{"ALPHA ! (DIGIT ! ( () ))", "term in ()", "() ))"},
+                    PositionCase{"(A ! '' )", "term in ''", "'' )"},
+                    PositionCase{"( | A)", "operator |", "| A)"},
+                    PositionCase{"[A ! ( B | + C)]", "two statements", "+ C)]"},
+                    PositionCase{"{A ! B +  }", "missing the last term", "+ }"},
+                    PositionCase{"A | B", "variable A not found", "A | B"},
+                    PositionCase{"ALPHA | ( {'X' | 2{B}3} )", "variable B not found", "B}3} )"},
+                    PositionCase{"ALPHA | 2 {B}3", "variable B not found", "B}3"},
+                    PositionCase{"ALPHA ! SELF", "variable points to itself", "SELF"},
+                    PositionCase{"ALPHA ! ' '", "ExprRuleStr is empty", "'"},
+                    PositionCase{"ALPHA | DIGIT 'X'", "automatic priority", "'X'"},
+                    PositionCase{"ALPHA | DIGIT ALPHA", "automatic priority", "ALPHA"},
+                    PositionCase{"(ALPHA DIGIT | ( ALPHA))", "automatic priority", "( ALPHA))"},
+                    PositionCase{"ALPHA ! (3{ DIGIT }2)", "minimum repeat count", "DIGIT }2)"},
+                    PositionCase{"ALPHA ! {SEP}2", "in adexp the number", "SEP}2"}));
 
 TEST(FindingObservers, TheInnermostOneIsTold)
 {

@@ -1,0 +1,104 @@
+#include "examplechecker.h"
+
+#include "adexpdoc.h"
+#include "diagnosticcollector.h"
+#include "mainclass.h"
+#include "msgrule.h"
+#include "rulefile.h"
+
+#include <QStringList>
+
+#include <algorithm>
+
+namespace {
+
+bool isCompound(const TermStd* term)
+{
+    return term->compoundField || term->isContainsCompoundField();
+}
+
+// "is matched only up to "ABC"", empty if all is matched.
+QString unmatched(TermStd* term, const QString& data)
+{
+    const int matched = term->parse(data.constData());
+    if (matched == data.size())
+        return {};
+    return matched == 0 ? QStringLiteral("is not matched")
+                        : QLatin1String("is matched only up to \"") + data.left(matched) + u'"';
+}
+
+// What the conversion of a message reports. @p title receives that of its rule, null without one.
+QString reportsOf(const QString& message, const RuleList& rules, QString* title = nullptr)
+{
+    QStringList reports;
+    const DiagnosticCollector collector(
+        [&reports](const QString& line) { reports.append(line.trimmed()); });
+    AdexpDoc doc(message);
+    doc.setRootField(&rules);
+    doc.parse();
+    if (title && doc.rootField && doc.rootField->fieldTerm)
+        *title = doc.rootField->fieldTerm->config.recordName;
+    return reports.isEmpty() ? QString() : QLatin1String("is reported: ") + reports.join(u' ');
+}
+
+} // namespace
+
+ExampleChecker::ExampleChecker(MainClass* rules) : m_rules(rules) {}
+
+TermStd* ExampleChecker::definitionOf(const RuleRecord& record) const
+{
+    return MainClass::termsList_search(&m_rules->termsList, record.name.toUpper());
+}
+
+QString ExampleChecker::whyRefused(const RuleRecord& record, const QString& text) const
+{
+    if (record.isMessageRule())
+        return messageRefused(record, text);
+    TermStd* const term = definitionOf(record);
+    return isCompound(term) ? stretchRefused(record, text) : dataRefused(record, term, text);
+}
+
+QString ExampleChecker::whyAccepted(const RuleRecord& record, const QString& text) const
+{
+    // In a message more is refused than by the definition (a field ends at a hyphen), but a
+    // counterexample is one for the definition.
+    TermStd* const term = record.isMessageRule() ? nullptr : definitionOf(record);
+    const bool isRefused = term && !isCompound(term) ? !unmatched(term, text).isEmpty()
+                                                     : !whyRefused(record, text).isEmpty();
+    return isRefused ? QString() : QStringLiteral("is accepted");
+}
+
+QString ExampleChecker::dataRefused(const RuleRecord& record, TermStd* term,
+                                    const QString& data) const
+{
+    if (const QString text = unmatched(term, data); !text.isEmpty())
+        return text;
+    if (!record.isField())
+        return {};
+    const QString inMessage = stretchRefused(record, u'-' + record.name.toUpper() + u' ' + data);
+    return inMessage.isEmpty() ? QString() : QLatin1String("in a message ") + inMessage;
+}
+
+// In a message that consists of nothing but the stretch.
+QString ExampleChecker::stretchRefused(const RuleRecord& record, const QString& stretch) const
+{
+    ConfigInfo config;
+    config.recordName = QStringLiteral("EXAMPLEMESSAGE");
+    config.ruleText = u'[' + record.name.toUpper() + u']';
+    MsgRule rule(&config, m_rules);
+    rule.check_config(&m_rules->termsList);
+    RuleList rules;
+    rules.append(&rule);
+    return reportsOf(QLatin1String("-TITLE ") + config.recordName + u' ' + stretch, rules);
+}
+
+QString ExampleChecker::messageRefused(const RuleRecord& record, const QString& message) const
+{
+    QString title;
+    const QString reports = reportsOf(message, m_rules->msgRules, &title);
+    if (title.isNull())
+        return QStringLiteral("has no title, or one without a rule");
+    if (title != record.name.toUpper())
+        return QLatin1String("is a message of the title ") + title;
+    return reports;
+}

@@ -1,0 +1,293 @@
+#include "rulechecker.h"
+
+#include "diagnosticcollector.h"
+#include "examplechecker.h"
+#include "msgrule.h"
+#include "nearestname.h"
+#include "termexpression.h"
+#include "termvariable.h"
+#include "termwarnings.h"
+
+#include <QSettings>
+
+#include <algorithm>
+#include <tuple>
+
+namespace {
+
+// The files of a rule set in the order of loading, and the records that they hold.
+constexpr struct
+{
+    const char* key;
+    const char* tag;
+} RuleFiles[] = {
+    {"simpleTermsFile", "simpleTerm"},
+    {"subFieldsFile", "SubField"},
+    {"primaryFieldsFile", "PrimaryField"},
+    {"msgRulesFile", "msgRule"},
+};
+
+// For so many unknown names the nearest one is looked for: it takes a look at all names.
+constexpr int MostHints = 100;
+
+class FindingList : public FindingObserver
+{
+public:
+    void found(const Finding& finding) override { all.push_back(finding); }
+
+    std::vector<Finding> all;
+};
+
+QString placeKey(const QString& file, int line, int column)
+{
+    return file + u':' + QString::number(line) + u':' + QString::number(column);
+}
+
+// The words of an expression that was not compiled, some of which may not be names.
+QStringList wordsOf(const QString& expression)
+{
+    QStringList words;
+    QString word;
+    for (const QChar c : expression + u' ') {
+        if (!c.isSpace() && !QStringView(u"|!+'()[]{}").contains(c)) {
+            word += c;
+        } else if (!word.isEmpty()) {
+            words.append(word);
+            word.clear();
+        }
+    }
+    return words;
+}
+
+// Calls use(name) for each name that the term refers to.
+template <typename Use>
+void forEachReference(const TermStd* term, Use use)
+{
+    if (term->type() == TermTypeVariable)
+        use(term->ExprRuleStr);
+    else if (const TermExpression* const expression = asExpression(term))
+        for (const TermStd* part : expression->ExprList)
+            forEachReference(part, use);
+}
+
+} // namespace
+
+RuleChecker::RuleChecker(QSettings* settings)
+    : m_rules(nullptr), m_settingsFile(settings->fileName())
+{
+    FindingList found;
+    {
+        const DiagnosticCollector silent([](const QString&) {});
+        m_isLoaded = m_rules.readSettingsRules(settings);
+    }
+    settings->endGroup(); // which loading has begun
+    readRecords(*settings);
+    keepCauses(found.all);
+    for (const Finding& warning : TermWarnings(&m_rules).find())
+        keep(warning);
+    if (m_isLoaded)
+        findUnused();
+    checkExamples();
+    sortByPlace();
+}
+
+void RuleChecker::readRecords(const QSettings& settings)
+{
+    for (const auto& file : RuleFiles) {
+        const QString key = QLatin1String(file.key);
+        const QString path = settings.value(QLatin1String("rules/") + key).toString();
+        if (path.isEmpty())
+            m_missingKey = key;
+        m_files.append(path);
+        if (!readRuleFile(path, QLatin1String(file.tag), &m_records))
+            break; // loading has ended there, too
+    }
+    for (const RuleRecord& record : m_records) {
+        m_byPlace.insert(placeKey(record.file, record.lineNumber, record.columnNumber), &record);
+        if (record.isForeign)
+            continue;
+        if (record.isActive && !isLoaded(record))
+            m_refused.insert(&record);
+        const QString name = record.name.toUpper();
+        const RuleRecord* const previous = m_byName.value(name);
+        if (!record.isMessageRule() && (!previous || !previous->isActive))
+            m_byName.insert(name, &record);
+    }
+    m_names = {"CHARACTER", "ALPHANUM", "ALPHA", "DIGIT", "SEP", "NIL", "LIM_CHAR"};
+    for (const TermStd* term : m_rules.termsList)
+        m_names.push_back(term->config.recordName.toStdString());
+}
+
+bool RuleChecker::isLoaded(const RuleRecord& record) const
+{
+    const QString name = record.name.toUpper();
+    const TermStd* definition = nullptr;
+    if (record.isMessageRule())
+        definition = m_rules.msgRules.search(name);
+    else
+        definition = m_rules.termsList.search(name);
+    // One whose check has failed may have stayed in the list.
+    return definition && definition->valid && definition->config.xmlFile == record.file &&
+           definition->config.lineNumber == record.lineNumber &&
+           definition->config.columnNumber == record.columnNumber;
+}
+
+const RuleRecord* RuleChecker::recordOf(const ConfigInfo& info) const
+{
+    return m_byPlace.value(placeKey(info.xmlFile, info.lineNumber, info.columnNumber));
+}
+
+void RuleChecker::keepCauses(const std::vector<Finding>& all)
+{
+    for (const Finding& finding : all) {
+        if (finding.kind == FindingKind::Consequence || followsFromAnother(finding))
+            continue;
+        Finding cause = finding;
+        if (cause.record.xmlFile.isEmpty() && !m_missingKey.isEmpty())
+            cause.text += QLatin1String("; give it behind the key ") + m_missingKey +
+                          QLatin1String(" of the group [rules]");
+        if (cause.kind == FindingKind::UnknownName)
+            cause.text += hintFor(cause);
+        keep(cause);
+    }
+}
+
+// True for a reference to a definition that is there and was left out itself. (A simple term may
+// not refer to a field, whatever became of that.)
+bool RuleChecker::followsFromAnother(const Finding& finding) const
+{
+    if (finding.kind != FindingKind::UnknownName)
+        return false;
+    const RuleRecord* const target = m_byName.value(finding.detail);
+    const RuleRecord* const record = recordOf(finding.record);
+    const bool isOutOfReach =
+        target && target->isField() && record && !record->isField() && !record->isMessageRule();
+    return target && m_refused.count(target) != 0 && !isOutOfReach;
+}
+
+QString RuleChecker::hintFor(const Finding& unknownName)
+{
+    const RuleRecord* const target = m_byName.value(unknownName.detail);
+    if (target && !target->isActive)
+        return QStringLiteral("; its record is switched off (active=\"false\")");
+    if (target && target->isField())
+        return QStringLiteral("; it is a field, and a simple term can refer to simple terms only");
+    const QString name = unknownName.detail;
+    if (!m_nearest.contains(name) && m_nearest.size() < MostHints)
+        m_nearest.insert(name,
+                         QLatin1String("; the nearest name is ") +
+                             QString::fromStdString(nearestName(name.toStdString(), m_names)));
+    return m_nearest.value(name);
+}
+
+// Gives the finding the exact place.
+void RuleChecker::keep(Finding finding)
+{
+    ConfigInfo& place = finding.record;
+    if (const RuleRecord* const record = recordOf(place)) {
+        const SourceText* const expression = record->expression();
+        SourcePlace exact = record->place;
+        if (finding.begin >= 0 && expression && expression->place.line > 0)
+            exact = expression->placeInExpression(finding.begin);
+        if (exact.line > 0) {
+            place.lineNumber = exact.line;
+            place.columnNumber = exact.column;
+        }
+    } else if (place.xmlFile.isEmpty()) {
+        place.setXMLFile(m_settingsFile);
+    }
+    m_findings.push_back(std::move(finding));
+}
+
+void RuleChecker::findUnused()
+{
+    QSet<QString> used;
+    QStringList toFollow;
+    const auto use = [&used, &toFollow](const QString& name) {
+        if (!used.contains(name)) {
+            used.insert(name);
+            toFollow.append(name);
+        }
+    };
+    for (const MsgRule* rule : m_rules.msgRules)
+        forEachReference(rule, use);
+    // What was left out might use anything that it names.
+    for (const RuleRecord* record : m_refused) {
+        if (const SourceText* const expression = record->expression())
+            for (const QString& word : wordsOf(expression->text.toUpper()))
+                use(word);
+    }
+    while (!toFollow.isEmpty()) {
+        if (const TermStd* const term = m_rules.termsList.search(toFollow.takeLast()))
+            forEachReference(term, use);
+    }
+    for (const RuleRecord& record : m_records) {
+        if (record.isActive && !record.isForeign && !record.isMessageRule() && isLoaded(record) &&
+            !used.contains(record.name.toUpper()))
+            report(record, record.place, Severity::Warning,
+                   QStringLiteral("no message rule uses it, directly or through other definitions"),
+                   {});
+    }
+}
+
+void RuleChecker::report(const RuleRecord& record, const SourcePlace& place, Severity severity,
+                         const QString& text, const QString& detail)
+{
+    Finding finding;
+    finding.severity = severity;
+    finding.text = text;
+    finding.detail = detail;
+    finding.record.setXMLFile(record.file);
+    finding.record.recordName = record.name.toUpper();
+    finding.record.lineNumber = place.line;
+    finding.record.columnNumber = place.column;
+    m_findings.push_back(std::move(finding));
+}
+
+void RuleChecker::checkExamples()
+{
+    const ExampleChecker checker(&m_rules);
+    for (const RuleRecord& record : m_records) {
+        if (!record.isActive || record.isForeign || !isLoaded(record))
+            continue;
+        for (const RecordPart& part : record.parts) {
+            const bool isCounterexample = part.tag == QLatin1String("counterexample");
+            if (!isCounterexample && part.tag != QLatin1String("example"))
+                continue;
+            const SourceText example = part.content.trimmed();
+            const QString why = isCounterexample ? checker.whyAccepted(record, example.text)
+                                                 : checker.whyRefused(record, example.text);
+            if (!why.isEmpty())
+                report(record, example.place, Severity::Error,
+                       QLatin1String("the ") + part.tag + u' ' + why, example.text);
+        }
+    }
+}
+
+void RuleChecker::sortByPlace()
+{
+    const auto key = [this](const Finding& finding) {
+        const ConfigInfo& place = finding.record;
+        return std::make_tuple(m_files.indexOf(place.xmlFile), place.lineNumber, place.columnNumber,
+                               finding.text);
+    };
+    std::stable_sort(m_findings.begin(), m_findings.end(),
+                     [&key](const Finding& a, const Finding& b) { return key(a) < key(b); });
+    // A loop is met in each reference to it, and again by those that follow.
+    const auto end =
+        std::unique(m_findings.begin(), m_findings.end(),
+                    [&key](const Finding& a, const Finding& b) { return key(a) == key(b); });
+    m_findings.erase(end, m_findings.end());
+}
+
+RuleChecker::Counts RuleChecker::counts() const
+{
+    Counts counts;
+    for (const RuleRecord& record : m_records) {
+        if (record.isActive && !record.isForeign)
+            ++(record.isMessageRule() ? counts.messageRules : counts.definitions);
+    }
+    for (const RuleRecord* record : m_refused)
+        ++(record->isMessageRule() ? counts.messageRulesLeftOut : counts.definitionsLeftOut);
+    return counts;
+}

@@ -1,0 +1,74 @@
+#ifndef RULECHECKER_H
+#define RULECHECKER_H
+
+#include "findingobserver.h"
+#include "mainclass.h"
+#include "rulefile.h"
+
+#include <QHash>
+#include <QStringList>
+
+#include <set>
+#include <string>
+#include <vector>
+
+class QSettings;
+
+/// All that can be said about a rule set, each thing once, at its place in the rule files.
+///
+/// The library's findings about definitions, less those that only follow from others; what the
+/// definitions say in vain (TermWarnings); definitions that no message rule uses; and examples that
+/// do not keep their promise (ExampleChecker).
+class RuleChecker
+{
+public:
+    /// What became of the records that are not switched off.
+    struct Counts
+    {
+        int definitions = 0;
+        int messageRules = 0;
+        int definitionsLeftOut = 0;
+        int messageRulesLeftOut = 0;
+    };
+
+    /// Loads and checks the rule set of @p settings, an ini file that could be read.
+    explicit RuleChecker(QSettings* settings);
+
+    /// Sorted by file (in the order of loading), line and column. The place of the record is that
+    /// of what the finding is about, as editors count it; line 0: the file as a whole.
+    const std::vector<Finding>& findings() const { return m_findings; }
+
+    /// True if a rule file could not be read, and those behind it were not.
+    bool isIncomplete() const { return !m_isLoaded; }
+
+    Counts counts() const;
+
+private:
+    void readRecords(const QSettings& settings);
+    void keepCauses(const std::vector<Finding>& all);
+    void keep(Finding finding);
+    bool followsFromAnother(const Finding& finding) const;
+    QString hintFor(const Finding& unknownName);
+    void findUnused();
+    void checkExamples();
+    void report(const RuleRecord& record, const SourcePlace& place, Severity severity,
+                const QString& text, const QString& detail);
+    void sortByPlace();
+    bool isLoaded(const RuleRecord& record) const;
+    const RuleRecord* recordOf(const ConfigInfo& info) const;
+
+    MainClass m_rules;
+    bool m_isLoaded = false;
+    QString m_settingsFile;
+    QString m_missingKey; // of the rule file that loading ended at
+    QStringList m_files;  // in the order of loading
+    std::vector<RuleRecord> m_records;
+    QHash<QString, const RuleRecord*> m_byName;  // definitions only; the one that counts
+    QHash<QString, const RuleRecord*> m_byPlace; // as findings of the library give it
+    std::set<const RuleRecord*> m_refused;       // neither switched off nor loaded
+    std::vector<std::string> m_names;            // all that an expression may refer to
+    QHash<QString, QString> m_nearest;           // hints given before
+    std::vector<Finding> m_findings;
+};
+
+#endif
