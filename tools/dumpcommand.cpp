@@ -1,12 +1,10 @@
 #include "dumpcommand.h"
 
-#include "adexplib.h"
 #include "commandline.h"
 #include "console.h"
+#include "definitions.h"
 #include "diagnosticcollector.h"
-#include "mainclass.h"
-#include "msgrule.h"
-#include "nearestname.h"
+#include "termstd.h"
 
 #include <CLI/CLI.hpp>
 
@@ -24,26 +22,6 @@ constexpr const char* Footer =
     "  adexp dump ARCID\n"
     "  adexp dump --settings my.ini\n";
 
-// The terms in load order, then the message rules.
-std::vector<const TermStd*> allDefinitions()
-{
-    std::vector<const TermStd*> definitions(mc->termsList.begin(), mc->termsList.end());
-    definitions.insert(definitions.end(), mc->msgRules.begin(), mc->msgRules.end());
-    return definitions;
-}
-
-ExitCode unknownName(const std::string& name)
-{
-    std::vector<std::string> known;
-    for (const TermStd* definition : allDefinitions())
-        known.push_back(definition->config.recordName.toStdString());
-    std::string text = "there is no term and no message rule of that name";
-    if (const std::string nearest = nearestName(name, known); !nearest.empty())
-        text += "; the nearest one is " + nearest;
-    printError(name, text);
-    return ExitCode::NotDone;
-}
-
 void printAll(StandardOutput* out)
 {
     for (const TermStd* definition : allDefinitions())
@@ -52,17 +30,13 @@ void printAll(StandardOutput* out)
                        .toStdString());
 }
 
-// A term and a message rule may share a name; both are shown. False if there is neither.
+// False if there is no definition of that name.
 bool printNamed(const QString& name, StandardOutput* out)
 {
-    bool found = false;
-    for (const TermStd* definition : allDefinitions()) {
-        if (definition->config.recordName != name)
-            continue;
+    const std::vector<TermStd*> definitions = definitionsNamed(name);
+    for (const TermStd* definition : definitions)
         out->write((definition->dumpData(true) + QLatin1Char('\n')).toStdString());
-        found = true;
-    }
-    return found;
+    return !definitions.empty();
 }
 
 ExitCode dump(const std::string& name)
@@ -71,10 +45,12 @@ ExitCode dump(const std::string& name)
     const QString recordName = QString::fromStdString(name).toUpper();
     const DiagnosticCollector diagnostics{std::string_view(CommandName)};
     StandardOutput out;
-    if (recordName.isEmpty())
+    if (recordName.isEmpty()) {
         printAll(&out);
-    else if (!printNamed(recordName, &out))
-        return unknownName(recordName.toStdString());
+    } else if (!printNamed(recordName, &out)) {
+        printUnknownName(recordName);
+        return ExitCode::NotDone;
+    }
     if (!out.flush())
         return ExitCode::NotDone;
     return diagnostics.count() == 0 ? ExitCode::Success : ExitCode::WithDiagnostics;

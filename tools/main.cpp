@@ -6,6 +6,8 @@
 #include "convertcommand.h"
 #include "dumpcommand.h"
 #include "exitcodes.h"
+#include "explaincommand.h"
+#include "matchcommand.h"
 #include "treecommand.h"
 
 #include <CLI/CLI.hpp>
@@ -49,11 +51,15 @@ ExitCode run(int argc, const char* const* argv)
 
     CheckOptions checkOptions;
     ConvertOptions convertOptions;
+    ExplainOptions explainOptions;
+    MatchOptions matchOptions;
     TreeOptions treeOptions;
     DumpOptions dumpOptions;
     const CLI::App* const convert = addConvertCommand(&app, &convertOptions);
     const CLI::App* const tree = addTreeCommand(&app, &treeOptions);
     const CLI::App* const check = addCheckCommand(&app, &checkOptions);
+    const CLI::App* const explain = addExplainCommand(&app, &explainOptions);
+    const CLI::App* const match = addMatchCommand(&app, &matchOptions);
     addDumpCommand(&app, &dumpOptions);
 
     if (const std::optional<ExitCode> end = parseCommandLine(&app, argc, argv))
@@ -64,6 +70,10 @@ ExitCode run(int argc, const char* const* argv)
         return runTree(treeOptions);
     if (check->parsed())
         return runCheck(checkOptions);
+    if (explain->parsed())
+        return runExplain(explainOptions);
+    if (match->parsed())
+        return runMatch(matchOptions);
     return runDump(dumpOptions);
 }
 

@@ -1,13 +1,13 @@
 #include "rulechecker.h"
 
+#include "definitions.h"
 #include "diagnosticcollector.h"
 #include "examplechecker.h"
 #include "msgrule.h"
 #include "nearestname.h"
-#include "termexpression.h"
-#include "termvariable.h"
 #include "termwarnings.h"
 
+#include <QSet>
 #include <QSettings>
 
 #include <algorithm>
@@ -57,17 +57,6 @@ QStringList wordsOf(const QString& expression)
         }
     }
     return words;
-}
-
-// Calls use(name) for each name that the term refers to.
-template <typename Use>
-void forEachReference(const TermStd* term, Use use)
-{
-    if (term->type() == TermTypeVariable)
-        use(term->ExprRuleStr);
-    else if (const TermExpression* const expression = asExpression(term))
-        for (const TermStd* part : expression->ExprList)
-            forEachReference(part, use);
 }
 
 } // namespace
@@ -130,6 +119,11 @@ bool RuleChecker::isLoaded(const RuleRecord& record) const
     return definition && definition->valid && definition->config.xmlFile == record.file &&
            definition->config.lineNumber == record.lineNumber &&
            definition->config.columnNumber == record.columnNumber;
+}
+
+bool RuleChecker::isInUse(const RuleRecord& record) const
+{
+    return record.isActive && !record.isForeign && isLoaded(record);
 }
 
 const RuleRecord* RuleChecker::recordOf(const ConfigInfo& info) const
@@ -209,25 +203,34 @@ void RuleChecker::findUnused()
             toFollow.append(name);
         }
     };
+    const auto useAll = [&use](const QStringList& names) {
+        std::for_each(names.begin(), names.end(), use);
+    };
     for (const MsgRule* rule : m_rules.msgRules)
-        forEachReference(rule, use);
+        useAll(referencesOf(rule));
     // What was left out might use anything that it names.
     for (const RuleRecord* record : m_refused) {
         if (const SourceText* const expression = record->expression())
-            for (const QString& word : wordsOf(expression->text.toUpper()))
-                use(word);
+            useAll(wordsOf(expression->text.toUpper()));
     }
     while (!toFollow.isEmpty()) {
         if (const TermStd* const term = m_rules.termsList.search(toFollow.takeLast()))
-            forEachReference(term, use);
+            useAll(referencesOf(term));
     }
     for (const RuleRecord& record : m_records) {
-        if (record.isActive && !record.isForeign && !record.isMessageRule() && isLoaded(record) &&
-            !used.contains(record.name.toUpper()))
-            report(record, record.place, Severity::Warning,
-                   QStringLiteral("no message rule uses it, directly or through other definitions"),
-                   {});
+        if (isInUse(record) && !record.isMessageRule())
+            reportUse(record, used.contains(record.name.toUpper()));
     }
+}
+
+void RuleChecker::reportUse(const RuleRecord& record, bool isUsed)
+{
+    if (isUsed == record.isMeantUnused)
+        report(record, record.place, Severity::Warning,
+               isUsed ? QStringLiteral("a message rule uses it; delete unused=\"true\"")
+                      : QStringLiteral("no message rule uses it, directly or through other "
+                                       "definitions; delete it, or write unused=\"true\""),
+               {});
 }
 
 void RuleChecker::report(const RuleRecord& record, const SourcePlace& place, Severity severity,
@@ -248,7 +251,7 @@ void RuleChecker::checkExamples()
 {
     const ExampleChecker checker(&m_rules);
     for (const RuleRecord& record : m_records) {
-        if (!record.isActive || record.isForeign || !isLoaded(record))
+        if (!isInUse(record))
             continue;
         for (const RecordPart& part : record.parts) {
             const bool isCounterexample = part.tag == QLatin1String("counterexample");

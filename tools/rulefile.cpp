@@ -155,6 +155,7 @@ RuleRecord recordOf(const QDomElement& element, const QString& file)
     record.name = element.attribute(record.isMessageRule() ? QStringLiteral("title")
                                                            : QStringLiteral("name"));
     record.isActive = element.attribute(QStringLiteral("active")) != QLatin1String("false");
+    record.isMeantUnused = element.attribute(QStringLiteral("unused")) == QLatin1String("true");
     record.lineNumber = element.lineNumber();
     record.columnNumber = element.columnNumber();
     for (QDomElement child = element.firstChildElement(); !child.isNull();

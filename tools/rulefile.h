@@ -40,12 +40,13 @@ struct RuleRecord
 {
     QString file;
     QString tag;
-    QString name;           ///< of a message rule: its title
-    bool isActive = true;   ///< false: switched off
-    bool isForeign = false; ///< has another tag than the records of its file
-    int lineNumber = 0;     ///< as findings of the library give it
-    int columnNumber = 0;   ///< as findings of the library give it
-    SourcePlace place;      ///< of the record's start tag
+    QString name;               ///< of a message rule: its title
+    bool isActive = true;       ///< false: switched off
+    bool isMeantUnused = false; ///< says that no message rule uses it
+    bool isForeign = false;     ///< has another tag than the records of its file
+    int lineNumber = 0;         ///< as findings of the library give it
+    int columnNumber = 0;       ///< as findings of the library give it
+    SourcePlace place;          ///< of the record's start tag
     std::vector<RecordPart> parts;
 
     bool isMessageRule() const { return tag == QLatin1String("msgRule"); }

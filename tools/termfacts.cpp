@@ -5,11 +5,10 @@
 #include "termvariable.h"
 
 #include <algorithm>
-#include <limits>
 
 namespace {
 
-constexpr qint64 Unlimited = std::numeric_limits<qint64>::max();
+constexpr qint64 Unlimited = TermFacts::Unlimited;
 
 qint64 times(qint64 length, qint64 count)
 {

@@ -6,6 +6,7 @@
 #include <QHash>
 #include <QtGlobal>
 
+#include <limits>
 #include <optional>
 #include <string>
 #include <unordered_map>
@@ -19,6 +20,9 @@ class TermStd;
 /// from it is true.
 struct TermFacts
 {
+    /// A count or length without an upper limit.
+    static constexpr qint64 Unlimited = std::numeric_limits<qint64>::max();
+
     /// A run of characters of one set: the longest one, of `max` characters at most.
     struct Run
     {

@@ -37,14 +37,15 @@ std::vector<Finding> TermWarnings::find()
     for (TermStd* term : m_rules->termsList) {
         if (!term->valid)
             continue; // its check has failed, and it stayed in the list
-        // Of fields only the names count, texts are not matched.
+        // Of fields only the names count, texts are not matched. A compound may well name one
+        // twice, to say that there are two.
         if (term->compoundField || term->isContainsCompoundField())
-            checkNames(term);
+            checkNames(term, false);
         else
             checkMatching(term);
     }
     for (const MsgRule* rule : m_rules->msgRules)
-        checkNames(rule);
+        checkNames(rule, true);
     return std::move(m_warnings);
 }
 
@@ -155,16 +156,16 @@ void TermWarnings::checkSequence(const TermExpression* sequence)
     }
 }
 
-TermWarnings::Names TermWarnings::checkNames(const TermStd* term)
+TermWarnings::Names TermWarnings::checkNames(const TermStd* term, bool onceEach)
 {
     Names names;
     if (const TermExpression* const expression = asExpression(term)) {
         for (const TermStd* part : expression->ExprList) {
-            const Names partNames = checkNames(part);
+            const Names partNames = checkNames(part, onceEach);
             if (isChoice(expression))
                 names.first.insert(partNames.first);
             else
-                addFollowing(&names, partNames);
+                addFollowing(&names, partNames, onceEach);
         }
     } else if (isField(term)) {
         names.first.insert(term->ExprRuleStr, term);
@@ -176,7 +177,7 @@ TermWarnings::Names TermWarnings::checkNames(const TermStd* term)
 }
 
 // Adds the names of the next part of a sequence.
-void TermWarnings::addFollowing(Names* names, const Names& following)
+void TermWarnings::addFollowing(Names* names, const Names& following, bool onceEach)
 {
     if (names->takingAll && !following.first.isEmpty()) {
         warn(names->takingAll,
@@ -188,10 +189,10 @@ void TermWarnings::addFollowing(Names* names, const Names& following)
     if (following.takingAll)
         names->takingAll = following.takingAll;
     for (auto it = following.first.cbegin(); it != following.first.cend(); ++it) {
-        if (names->first.contains(it.key()))
+        if (!names->first.contains(it.key()))
+            names->first.insert(it.key(), it.value());
+        else if (onceEach)
             warn(it.value(), it.key() + QLatin1String(" is named before; naming a field once "
                                                       "allows it any number of times"));
-        else
-            names->first.insert(it.key(), it.value());
     }
 }

@@ -39,8 +39,8 @@ private:
     void checkChoice(const TermExpression* choice);
     void checkSequence(const TermExpression* sequence);
     void checkOccurrences(const TermStd* term);
-    Names checkNames(const TermStd* term);
-    void addFollowing(Names* names, const Names& following);
+    Names checkNames(const TermStd* term, bool onceEach);
+    void addFollowing(Names* names, const Names& following, bool onceEach);
     void warn(const TermStd* term, const QString& text);
 
     const MainClass* m_rules;

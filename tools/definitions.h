@@ -1,0 +1,24 @@
+#ifndef DEFINITIONS_H
+#define DEFINITIONS_H
+
+#include <QString>
+#include <QStringList>
+
+#include <string>
+#include <vector>
+
+class TermStd;
+
+/// The terms of the loaded rule set in load order, then its message rules. Not owned.
+std::vector<TermStd*> allDefinitions();
+
+/// Those of the name @p name, in upper case: a term and a message rule may share one.
+std::vector<TermStd*> definitionsNamed(const QString& name);
+
+/// Reports that there is no definition @p name, and the nearest name there is.
+void printUnknownName(const QString& name);
+
+/// The names that @p definition refers to, in text order, none twice.
+QStringList referencesOf(const TermStd* definition);
+
+#endif

@@ -1,0 +1,143 @@
+#include "explaincommand.h"
+
+#include "commandline.h"
+#include "console.h"
+#include "definitions.h"
+#include "rulefile.h"
+#include "termfacts.h"
+#include "termstd.h"
+#include "termtree.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+
+namespace {
+
+constexpr const char* Footer =
+    "NAME is a term or the title of a message rule; small letters do as well. In the tree SEP\n"
+    "stands wherever white space may be, written or not.\n"
+    "\n"
+    "Example:\n"
+    "  adexp explain EOBT\n";
+
+// The record that the definition was loaded from; null if its file has changed since.
+const RuleRecord* recordOf(const TermStd* definition, const std::vector<RuleRecord>& records)
+{
+    const auto record =
+        std::find_if(records.begin(), records.end(), [definition](const RuleRecord& candidate) {
+            return candidate.lineNumber == definition->config.lineNumber &&
+                   candidate.columnNumber == definition->config.columnNumber;
+        });
+    return record == records.end() ? nullptr : &*record;
+}
+
+QString placeText(const ConfigInfo& config, const SourcePlace& place)
+{
+    return config.tagName + QLatin1String(" in ") + config.xmlFile + u':' +
+           QString::number(place.line) + u':' + QString::number(place.column);
+}
+
+QString lengthText(const TermStd* definition)
+{
+    if (definition->compoundField || definition->isContainsCompoundField())
+        return QStringLiteral("is made of fields");
+    const qint64 length = TermFactsTable().of(definition).maxLength;
+    if (length != TermFacts::Unlimited)
+        return QString::number(length);
+    // That of the library, which takes white space for one character.
+    const int withoutSpace = definition->calculateOfLengthData(true);
+    const bool isLimited = withoutSpace > 0 && withoutSpace < RepeatNoLimit;
+    return isLimited ? QString::number(withoutSpace) + QLatin1String(", white space counted as one")
+                     : QStringLiteral("no limit");
+}
+
+QStringList referringTo(const QString& name)
+{
+    QStringList names;
+    for (const TermStd* definition : allDefinitions()) {
+        if (referencesOf(definition).contains(name))
+            names.append(definition->config.recordName);
+    }
+    return names;
+}
+
+QString listText(const QStringList& names)
+{
+    return names.isEmpty() ? QStringLiteral("-") : names.join(QLatin1String(", "));
+}
+
+std::string indented(const QString& lines)
+{
+    QString text = QLatin1String("  ") + lines.trimmed();
+    return text.replace(u'\n', QLatin1String("\n  ")).toStdString();
+}
+
+// Names and texts are those of the rule files: no line of them may do more than be shown.
+void printLine(StandardOutput* out, const QString& label, const QString& text)
+{
+    out->write(escaped((label + text).toStdString()) + '\n');
+}
+
+void explain(const TermStd* definition, StandardOutput* out)
+{
+    const ConfigInfo& config = definition->config;
+    std::vector<RuleRecord> records;
+    readRuleFile(config.xmlFile, config.tagName, &records);
+    const RuleRecord* const record = recordOf(definition, records);
+    printLine(out, config.recordName + QLatin1String(": "),
+              placeText(config, record ? record->place
+                                       : SourcePlace{config.lineNumber, config.columnNumber}));
+    if (record) {
+        for (const RecordPart& part : record->parts) {
+            if (part.tag == QLatin1String("description"))
+                printLine(out, QStringLiteral("Description:    "), part.content.text.simplified());
+        }
+        if (const SourceText* const expression = record->expression())
+            printLine(out, QStringLiteral("Definition:     "), expression->text.simplified());
+    }
+    printLine(out, QStringLiteral("Longest data:   "), lengthText(definition));
+    printLine(out, QStringLiteral("Refers to:      "), listText(referencesOf(definition)));
+    // Nothing refers to a message rule, also if it shares the name of a field.
+    if (definition->type() != TermTypeMsgRule)
+        printLine(out, QStringLiteral("Referred to by: "),
+                  listText(referringTo(config.recordName)));
+    printLine(out, QStringLiteral("Compiled form:"), {});
+    out->write(indented(termTree(definition)) + '\n');
+}
+
+ExitCode explainName(const std::string& name)
+{
+    // Rule sets have all their names in upper case.
+    const QString recordName = QString::fromStdString(name).toUpper();
+    const std::vector<TermStd*> definitions = definitionsNamed(recordName);
+    if (definitions.empty()) {
+        printUnknownName(recordName);
+        return ExitCode::NotDone;
+    }
+    StandardOutput out;
+    for (const TermStd* definition : definitions) {
+        if (definition != definitions.front())
+            out.write("\n");
+        explain(definition, &out);
+    }
+    return out.flush() ? ExitCode::Success : ExitCode::NotDone;
+}
+
+} // namespace
+
+CLI::App* addExplainCommand(CLI::App* app, ExplainOptions* options)
+{
+    CLI::App* const command =
+        app->add_subcommand("explain", "Tell what a definition or message rule says");
+    addFooter(command, Footer);
+    addSettingsOption(command, &options->settings);
+    command->add_option("NAME", options->name, "Term or title")->type_name("")->required();
+    return command;
+}
+
+ExitCode runExplain(const ExplainOptions& options)
+{
+    const RuleSet rules(options.settings);
+    return rules.isLoaded() ? worse(rules.status(), explainName(options.name)) : rules.status();
+}

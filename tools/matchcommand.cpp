@@ -1,0 +1,192 @@
+#include "matchcommand.h"
+
+#include "adexplib.h"
+#include "commandline.h"
+#include "console.h"
+#include "definitionnesting.h"
+#include "definitions.h"
+#include "diagnosticcollector.h"
+#include "findingjson.h"
+#include "findingobserver.h"
+#include "mainclass.h"
+#include "matchtrace.h"
+#include "termexpression.h"
+
+#include <CLI/CLI.hpp>
+
+#include <QJsonArray>
+#include <QJsonObject>
+
+#include <algorithm>
+#include <memory>
+
+namespace {
+
+constexpr const char* Footer =
+    "NAME is a simple term or a field whose data is not made of fields. Under TEXT the part\n"
+    "that is matched is marked with ~, and with ^ the last place reached, where something else\n"
+    "was wanted. --expr tries an expression that is in no rule file; it may refer to all\n"
+    "definitions. A TEXT that begins with a hyphen goes behind \"--\".\n"
+    "\n"
+    "Examples:\n"
+    "  adexp match EOBT 0560\n"
+    "  adexp match --expr \"ALPHA ! 3{DIGIT}3\" F35\n";
+
+class FirstFinding : public FindingObserver
+{
+public:
+    void found(const Finding& finding) override
+    {
+        if (first.text.isEmpty())
+            first = finding;
+    }
+
+    Finding first;
+};
+
+// As many characters as the text takes when it is shown.
+std::string marks(const QString& text, char mark)
+{
+    const std::string shown = escaped(text.toStdString());
+    const auto isFirstByte = [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80; };
+    return std::string(
+        static_cast<std::size_t>(std::count_if(shown.begin(), shown.end(), isFirstByte)), mark);
+}
+
+std::string wantedWords(const QStringList& wanted)
+{
+    if (wanted.isEmpty())
+        return "nothing more";
+    QStringList but = wanted;
+    const QString last = but.takeLast();
+    const QString words =
+        but.isEmpty() ? last : but.join(QLatin1String(", ")) + QLatin1String(" or ") + last;
+    return words.toStdString();
+}
+
+std::string textResult(const MatchTrace& trace, const QString& text)
+{
+    std::string lines = escaped(text.toStdString()) + '\n';
+    std::string result = "matched " + std::to_string(trace.matched()) + " of " +
+                         std::to_string(text.size()) + " characters";
+    std::string line = marks(text.left(trace.matched()), '~');
+    if (trace.matched() < text.size()) {
+        line += marks(text.mid(trace.matched(), trace.stoppedAt() - trace.matched()), ' ') + '^';
+        result += "; at ^ " + wantedWords(trace.wanted()) + " is wanted";
+        if (!trace.path().isEmpty())
+            result += ", in " + trace.path().join(QLatin1String(" > ")).toStdString();
+    }
+    return lines + line + '\n' + escaped(result) + '\n';
+}
+
+QJsonObject jsonResult(const MatchTrace& trace, const QString& text)
+{
+    QJsonObject object;
+    object.insert(QStringLiteral("text"), text);
+    object.insert(QStringLiteral("length"), static_cast<int>(text.size()));
+    object.insert(QStringLiteral("matched"), trace.matched());
+    if (trace.matched() < text.size()) {
+        object.insert(QStringLiteral("stopped"), trace.stoppedAt());
+        object.insert(QStringLiteral("wanted"), QJsonArray::fromStringList(trace.wanted()));
+        object.insert(QStringLiteral("path"), QJsonArray::fromStringList(trace.path()));
+    }
+    return object;
+}
+
+ExitCode show(TermStd* term, const QString& text, bool isJson)
+{
+    const MatchTrace trace(term, text);
+    StandardOutput out;
+    out.write(isJson ? jsonLine(jsonResult(trace, text)) : textResult(trace, text));
+    if (!out.flush())
+        return ExitCode::NotDone;
+    return trace.matched() == text.size() ? ExitCode::Success : ExitCode::WithDiagnostics;
+}
+
+void printExpressionError(const QString& expression, const Finding& finding)
+{
+    const std::string shown = escaped(expression.toStdString());
+    printError("--expr", shown);
+    const int position = std::clamp(finding.begin, 0, static_cast<int>(expression.size()));
+    printError("--expr", marks(expression.left(position), ' ') + "^ " + finding.text.toStdString());
+}
+
+// The checked term of the expression; null after a message.
+std::unique_ptr<TermStd> compile(const std::string& text)
+{
+    ConfigInfo record;
+    record.ruleText = QString::fromStdString(text).toUpper();
+    const DiagnosticCollector silent([](const QString&) {});
+    FirstFinding errors;
+    std::unique_ptr<TermStd> term(TermExpression::append_expression(&record, true));
+    if (term &&
+        DefinitionNesting(&mc->termsList).depthOf(term.get()) > TermExpression::MaxNesting) {
+        term->configErrorMessage(TermExpression::nestedTooDeepText());
+        term.reset();
+    }
+    if (term && !term->check_config(&mc->termsList))
+        term.reset();
+    if (!term)
+        printExpressionError(record.ruleText.simplified(), errors.first);
+    return term;
+}
+
+// The definition whose data is matched as a text; null after a message.
+TermStd* findDefinition(const std::string& name)
+{
+    const QString recordName = QString::fromStdString(name).toUpper();
+    const std::vector<TermStd*> definitions = definitionsNamed(recordName);
+    if (definitions.empty()) {
+        printUnknownName(recordName);
+        return nullptr;
+    }
+    TermStd* const definition = definitions.front();
+    if (definition->compoundField || definition->isContainsCompoundField()) {
+        printError(recordName.toStdString(),
+                   "is made of fields, which are found by their names; see adexp tree");
+        return nullptr;
+    }
+    return definition;
+}
+
+ExitCode match(const MatchOptions& options)
+{
+    const QString text = QString::fromStdString(options.arguments.back());
+    if (options.expression.empty()) {
+        TermStd* const definition = findDefinition(options.arguments.front());
+        return definition ? show(definition, text, options.isJson) : ExitCode::NotDone;
+    }
+    const std::unique_ptr<TermStd> term = compile(options.expression);
+    return term ? show(term.get(), text, options.isJson) : ExitCode::NotDone;
+}
+
+} // namespace
+
+CLI::App* addMatchCommand(CLI::App* app, MatchOptions* options)
+{
+    CLI::App* const command =
+        app->add_subcommand("match", "Show how far a text matches a definition");
+    addFooter(command, Footer);
+    addSettingsOption(command, &options->settings);
+    addFormatOption(command, &options->isJson);
+    addTextOption(command, "--expr", &options->expression, "Expression to match with, not a NAME")
+        ->type_name("EXPR");
+    command->add_option("NAME TEXT", options->arguments, "Definition, and data of it")
+        ->type_name("")
+        ->required();
+    return command;
+}
+
+ExitCode runMatch(const MatchOptions& options)
+{
+    const std::size_t expected = options.expression.empty() ? 2 : 1;
+    if (options.arguments.size() != expected) {
+        printError(CommandName, expected == 2
+                                    ? "match takes a NAME and a TEXT; see adexp match --help"
+                                    : "with --expr match takes a TEXT and nothing else; "
+                                      "see adexp match --help");
+        return ExitCode::Usage;
+    }
+    const RuleSet rules(options.settings);
+    return rules.isLoaded() ? worse(rules.status(), match(options)) : rules.status();
+}
