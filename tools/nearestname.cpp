@@ -4,9 +4,7 @@
 #include <limits>
 #include <numeric>
 
-namespace {
-
-// Characters to insert, delete or replace to make b of a (Levenshtein distance), row by row.
+// The Levenshtein distance, row by row.
 std::size_t editDistance(const std::string& a, const std::string& b)
 {
     std::vector<std::size_t> row(b.size() + 1);
@@ -22,8 +20,6 @@ std::size_t editDistance(const std::string& a, const std::string& b)
     }
     return row.back();
 }
-
-} // namespace
 
 std::string nearestName(const std::string& name, const std::vector<std::string>& known)
 {

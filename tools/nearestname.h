@@ -1,8 +1,12 @@
 #ifndef NEARESTNAME_H
 #define NEARESTNAME_H
 
+#include <cstddef>
 #include <string>
 #include <vector>
+
+/// The number of characters to insert, delete or replace to make @p b of @p a.
+std::size_t editDistance(const std::string& a, const std::string& b);
 
 /// The first of @p known with the fewest single-character changes to @p name, for "did you mean";
 /// empty if @p known is.

@@ -88,7 +88,7 @@ void RuleChecker::readRecords(const QSettings& settings)
         if (path.isEmpty())
             m_missingKey = key;
         m_files.append(path);
-        if (!readRuleFile(path, QLatin1String(file.tag), &m_records))
+        if (path.isEmpty() || !readRuleFile(path, QLatin1String(file.tag), &m_records))
             break; // loading has ended there, too
     }
     for (const RuleRecord& record : m_records) {
@@ -103,8 +103,10 @@ void RuleChecker::readRecords(const QSettings& settings)
             m_byName.insert(name, &record);
     }
     m_names = {"CHARACTER", "ALPHANUM", "ALPHA", "DIGIT", "SEP", "NIL", "LIM_CHAR"};
-    for (const TermStd* term : m_rules.termsList)
-        m_names.push_back(term->config.recordName.toStdString());
+    for (const RuleRecord& record : m_records) {
+        if (!record.isMessageRule())
+            m_names.push_back(record.name.toUpper().toStdString());
+    }
 }
 
 bool RuleChecker::isLoaded(const RuleRecord& record) const
@@ -168,10 +170,17 @@ QString RuleChecker::hintFor(const Finding& unknownName)
         return QStringLiteral("; it is a field, and a simple term can refer to simple terms only");
     const QString name = unknownName.detail;
     if (!m_nearest.contains(name) && m_nearest.size() < MostHints)
-        m_nearest.insert(name,
-                         QLatin1String("; the nearest name is ") +
-                             QString::fromStdString(nearestName(name.toStdString(), m_names)));
+        m_nearest.insert(name, nearestHint(name.toStdString()));
     return m_nearest.value(name);
+}
+
+// Empty if no name is so near that it may have been meant.
+QString RuleChecker::nearestHint(const std::string& name) const
+{
+    const std::string nearest = nearestName(name, m_names);
+    const bool isNear = 2 * editDistance(name, nearest) <= name.size();
+    return isNear ? QLatin1String("; the nearest name is ") + QString::fromStdString(nearest)
+                  : QString();
 }
 
 // Gives the finding the exact place.

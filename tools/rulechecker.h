@@ -49,6 +49,7 @@ private:
     void keep(Finding finding);
     bool followsFromAnother(const Finding& finding) const;
     QString hintFor(const Finding& unknownName);
+    QString nearestHint(const std::string& name) const;
     void findUnused();
     void checkExamples();
     void report(const RuleRecord& record, const SourcePlace& place, Severity severity,

@@ -5,10 +5,11 @@
 
 #include "support/diagnosticcapture.h"
 
-#include "adexpdoc.h"
-#include "configinfo.h"
+#include "examplechecker.h"
 #include "mainclass.h"
 #include "msgrule.h"
+#include "rulechecker.h"
+#include "rulefile.h"
 
 #include <QDomDocument>
 #include <QFile>
@@ -20,7 +21,6 @@
 #include <algorithm>
 #include <cctype>
 #include <iterator>
-#include <memory>
 #include <ostream>
 #include <set>
 #include <string>
@@ -38,26 +38,32 @@ namespace {
 
 const QString SettingsPath = QStringLiteral(":/adexp/adexp.ini");
 
-// A record of a rule file as its author wrote it.
-struct Record
+// A record of a rule file, and the name of the tests about it.
+struct Record : RuleRecord
 {
-    QString place; // file and line, the form that editors can jump to
-    QString tag;
-    QString name;
-    QString expression;
-    QString description;
-    QStringList childTags;
-    QStringList examples;
-    QStringList counterexamples;
     std::string testName; // unique among all records
 
-    bool isMessageRule() const { return tag == QLatin1String("msgRule"); }
-    bool isField() const { return !isMessageRule() && tag != QLatin1String("simpleTerm"); }
+    // The form that editors can jump to.
+    std::string placeText() const
+    {
+        return file.toStdString() + ':' + std::to_string(place.line) + ": " + name.toStdString();
+    }
+
+    // The texts of the parts with that tag.
+    QStringList texts(const char* partTag) const
+    {
+        QStringList result;
+        for (const RecordPart& part : parts) {
+            if (part.tag == QLatin1String(partTag))
+                result.append(part.content.trimmed().text);
+        }
+        return result;
+    }
 };
 
 void PrintTo(const Record& record, std::ostream* out)
 {
-    *out << record.place.toStdString() << ": " << record.name.toStdString();
+    *out << record.placeText();
 }
 
 // Records with their names, as they stand below one heading comment of a rule file.
@@ -86,51 +92,40 @@ std::string testNameOf(const Record& record, std::set<std::string>* taken)
     return name;
 }
 
-Record readRecord(const QDomElement& element, const QString& fileName)
+// The names of the records in the groups that comments divide the file into.
+std::vector<Group> readGroups(const QString& path)
 {
-    Record record;
-    record.place = fileName + u':' + QString::number(element.lineNumber());
-    record.tag = element.tagName();
-    record.name = element.attribute(record.isMessageRule() ? QStringLiteral("title")
-                                                           : QStringLiteral("name"));
-    for (QDomElement child = element.firstChildElement(); !child.isNull();
-         child = child.nextSiblingElement()) {
-        const QString tag = child.tagName();
-        const QString text = child.text().trimmed();
-        record.childTags.append(tag);
-        if (tag == QLatin1String("description"))
-            record.description = text;
-        else if (tag == QLatin1String("example"))
-            record.examples.append(text);
-        else if (tag == QLatin1String("counterexample"))
-            record.counterexamples.append(text);
-        else
-            record.expression = text;
-    }
-    return record;
-}
-
-RuleFile readRuleFile(const QString& path, std::set<std::string>* takenTestNames)
-{
-    RuleFile result;
-    result.name = QStringLiteral("rules/") + path.section(u'/', -1);
+    std::vector<Group> groups;
     QFile file(path);
     QDomDocument document;
     // A file that cannot be read has no records here; the loading test tells why.
     if (!file.open(QIODevice::ReadOnly) || !document.setContent(&file))
-        return result;
+        return groups;
     for (QDomNode node = document.documentElement().firstChild(); !node.isNull();
          node = node.nextSibling()) {
-        if (node.isComment()) {
-            result.groups.push_back({node.toComment().data().simplified(), {}});
-        } else if (node.isElement()) {
-            Record record = readRecord(node.toElement(), result.name);
-            record.testName = testNameOf(record, takenTestNames);
-            if (result.groups.empty())
-                result.groups.emplace_back();
-            result.groups.back().names.append(record.name);
-            result.records.push_back(std::move(record));
-        }
+        if (node.isComment() || groups.empty())
+            groups.push_back({node.toComment().data().simplified(), {}});
+        const QDomElement record = node.toElement();
+        if (!record.isNull())
+            groups.back().names.append(record.attribute(QStringLiteral("name"),
+                                                        record.attribute(QStringLiteral("title"))));
+    }
+    return groups;
+}
+
+RuleFile readFile(const QString& path, const QString& tag, std::set<std::string>* takenTestNames)
+{
+    RuleFile result;
+    result.name = QStringLiteral("rules/") + path.section(u'/', -1);
+    result.groups = readGroups(path);
+    std::vector<RuleRecord> records;
+    readRuleFile(path, tag, &records);
+    for (RuleRecord& ruleRecord : records) {
+        Record record;
+        static_cast<RuleRecord&>(record) = std::move(ruleRecord);
+        record.file = result.name;
+        record.testName = testNameOf(record, takenTestNames);
+        result.records.push_back(std::move(record));
     }
     return result;
 }
@@ -142,10 +137,14 @@ const std::vector<RuleFile>& ruleFiles()
         std::set<std::string> takenTestNames;
         QSettings settings(SettingsPath, QSettings::IniFormat);
         settings.beginGroup(QStringLiteral("rules"));
-        for (const char* const key :
-             {"simpleTermsFile", "subFieldsFile", "primaryFieldsFile", "msgRulesFile"})
-            result.push_back(
-                readRuleFile(settings.value(QLatin1String(key)).toString(), &takenTestNames));
+        const auto read = [&](const char* key, const char* tag) {
+            result.push_back(readFile(settings.value(QLatin1String(key)).toString(),
+                                      QLatin1String(tag), &takenTestNames));
+        };
+        read("simpleTermsFile", "simpleTerm");
+        read("subFieldsFile", "SubField");
+        read("primaryFieldsFile", "PrimaryField");
+        read("msgRulesFile", "msgRule");
         return result;
     }();
     return files;
@@ -189,204 +188,85 @@ std::string quoted(const QString& text)
     return '"' + text.toStdString() + '"';
 }
 
-// What the conversion of @p message under @p rules reports, each line with a line break before it.
-std::string reportsOf(const QString& message, const RuleList& rules)
-{
-    const DiagnosticCapture diagnostics;
-    AdexpDoc doc(message);
-    doc.setRootField(&rules);
-    doc.parse();
-    std::string result;
-    for (const DiagnosticCapture::Line& line : diagnostics.lines())
-        result += "\n    " + line.text.toStdString();
-    return result;
-}
-
-// A rule for messages that consist of nothing but one field.
-class RuleOfOneField
-{
-public:
-    explicit RuleOfOneField(const QString& fieldName)
-    {
-        ConfigInfo item;
-        item.recordName = title();
-        item.ruleText = u'[' + fieldName + u']';
-        m_rule = std::make_unique<MsgRule>(&item, &ruleSet().converter);
-        m_isValid = m_rule->check_config(&ruleSet().converter.termsList);
-    }
-
-    bool isValid() const { return m_isValid; }
-
-    std::string reportsOf(const QString& stretch) const
-    {
-        RuleList rules;
-        rules.append(m_rule.get());
-        return ::reportsOf(QStringLiteral("-TITLE ") + title() + u' ' + stretch, rules);
-    }
-
-private:
-    static QString title() { return QStringLiteral("EXAMPLEMESSAGE"); }
-
-    std::unique_ptr<MsgRule> m_rule;
-    bool m_isValid = false;
-};
-
 class RecordTest : public testing::TestWithParam<Record>
 {
 protected:
-    // The beginning of every complaint about an example of the record.
-    static std::string complaint(const char* kind, const QString& text)
-    {
-        return GetParam().place.toStdString() + ": " + GetParam().name.toStdString() + ": " + kind +
-               ' ' + quoted(text) + ' ';
-    }
-};
-
-class DefinitionExamples : public RecordTest
-{
-protected:
     void SetUp() override
     {
-        term =
-            MainClass::termsList_search(&ruleSet().converter.termsList, GetParam().name.toUpper());
-        ASSERT_NE(term, nullptr) << "the definition was refused when the rule set was loaded";
-    }
-
-    bool isCompound() const { return term->compoundField || term->isContainsCompoundField(); }
-
-    bool isWhollyMatched(const QString& data, int* matched) const
-    {
-        *matched = term->parse(data.constData());
-        return *matched == data.size();
-    }
-
-    // As the field's data stands in a message.
-    static QString stretch(const QString& data)
-    {
-        return u'-' + GetParam().name.toUpper() + u' ' + data;
-    }
-
-    TermStd* term = nullptr;
-};
-
-TEST_P(DefinitionExamples, AreAccepted)
-{
-    EXPECT_FALSE(GetParam().examples.isEmpty()) << "no example";
-    const RuleOfOneField rule(GetParam().name.toUpper());
-    ASSERT_TRUE(rule.isValid());
-    for (const QString& example : GetParam().examples) {
-        const std::string begin = complaint("example", example);
-        int matched = 0;
-        if (isCompound()) {
-            EXPECT_EQ(rule.reportsOf(example), "") << begin << "is reported";
-        } else if (!isWhollyMatched(example, &matched)) {
-            ADD_FAILURE() << begin << "is matched only up to " << quoted(example.left(matched));
-        } else if (GetParam().isField()) {
-            EXPECT_EQ(rule.reportsOf(stretch(example)), "") << begin << "is reported in a message";
-        }
-    }
-}
-
-TEST_P(DefinitionExamples, CounterexamplesAreRefused)
-{
-    EXPECT_FALSE(GetParam().counterexamples.isEmpty()) << "no counterexample";
-    const RuleOfOneField rule(GetParam().name.toUpper());
-    ASSERT_TRUE(rule.isValid());
-    for (const QString& counterexample : GetParam().counterexamples) {
-        const std::string begin = complaint("counterexample", counterexample);
-        int matched = 0;
-        if (isCompound())
-            EXPECT_NE(rule.reportsOf(counterexample), "") << begin << "is not reported";
-        else
-            EXPECT_FALSE(isWhollyMatched(counterexample, &matched)) << begin << "is matched";
-    }
-}
-
-class MessageRuleExamples : public RecordTest
-{
-protected:
-    void SetUp() override
-    {
-        const QString title = GetParam().name.toUpper();
-        ASSERT_NE(AdexpDoc::search_rule(&ruleSet().converter.msgRules, title), nullptr)
-            << "the rule was refused when the rule set was loaded";
+        const QString name = GetParam().name.toUpper();
+        MainClass& converter = ruleSet().converter;
+        const bool isLoaded = GetParam().isMessageRule()
+                                  ? converter.msgRules.search(name) != nullptr
+                                  : converter.termsList.search(name) != nullptr;
+        ASSERT_TRUE(isLoaded) << "the definition was refused when the rule set was loaded";
     }
 };
 
-// The names of the fields below @p element that are not valid.
-QStringList invalidFields(const QDomElement& element)
+using Examples = RecordTest;
+
+TEST_P(Examples, AreAccepted)
 {
-    QStringList names;
-    const QDomNodeList descendants = element.elementsByTagName(QStringLiteral("*"));
-    for (int i = 0; i < descendants.size(); ++i) {
-        const QDomElement field = descendants.at(i).toElement();
-        if (field.attribute(QStringLiteral("valid")) == QLatin1String("false"))
-            names.append(field.tagName());
-    }
-    return names;
+    const ExampleChecker checker(&ruleSet().converter);
+    EXPECT_FALSE(GetParam().texts("example").isEmpty()) << "no example";
+    for (const QString& example : GetParam().texts("example"))
+        EXPECT_EQ(checker.whyRefused(GetParam(), example), QString())
+            << GetParam().placeText() << ": example " << quoted(example);
 }
 
-TEST_P(MessageRuleExamples, AreConvertedWithoutReport)
-{
-    EXPECT_FALSE(GetParam().examples.isEmpty()) << "no example";
-    MainClass& converter = ruleSet().converter;
-    for (const QString& example : GetParam().examples) {
-        const std::string begin = complaint("example", example);
-        EXPECT_EQ(reportsOf(example, converter.msgRules), "") << begin << "is reported";
+using Counterexamples = RecordTest;
 
-        QDomDocument document;
-        const DiagnosticCapture alreadyLookedAt;
-        ASSERT_TRUE(document.setContent(converter.charAdexpToCharXml(example)))
-            << begin << "gives no document";
-        const QDomElement root = document.documentElement();
-        EXPECT_EQ(root.attribute(QStringLiteral("rule")), GetParam().name.toUpper())
-            << begin << "is a message of another title";
-        EXPECT_EQ(invalidFields(root), QStringList()) << begin << "has fields that are not valid";
-    }
+TEST_P(Counterexamples, AreRefused)
+{
+    const ExampleChecker checker(&ruleSet().converter);
+    EXPECT_FALSE(GetParam().texts("counterexample").isEmpty()) << "no counterexample";
+    for (const QString& counterexample : GetParam().texts("counterexample"))
+        EXPECT_EQ(checker.whyAccepted(GetParam(), counterexample), QString())
+            << GetParam().placeText() << ": counterexample " << quoted(counterexample);
 }
 
-class RecordLayout : public RecordTest
-{
-};
+using RecordLayout = RecordTest;
 
 TEST_P(RecordLayout, BeginsWithADescriptionOfOneLine)
 {
-    const Record& record = GetParam();
-    ASSERT_EQ(record.childTags.value(0), QStringLiteral("description"));
-    EXPECT_FALSE(record.description.isEmpty());
-    EXPECT_FALSE(record.description.contains(u'\n')) << quoted(record.description);
+    const RecordPart first = GetParam().parts.at(0);
+    ASSERT_EQ(first.tag, QStringLiteral("description"));
+    const QString description = first.content.text.trimmed();
+    EXPECT_FALSE(description.isEmpty());
+    EXPECT_FALSE(description.contains(u'\n')) << quoted(description);
 }
 
 TEST_P(RecordLayout, HasOneDefinitionThenExamplesThenCounterexamples)
 {
     const Record& record = GetParam();
-    QStringList expected{QStringLiteral("description"), record.isMessageRule()
-                                                            ? QStringLiteral("fields")
-                                                            : QStringLiteral("term")};
-    for (int i = 0; i < record.examples.size(); ++i)
+    QStringList expected{QStringLiteral("description"), record.expressionTag()};
+    for (int i = 0; i < record.texts("example").size(); ++i)
         expected.append(QStringLiteral("example"));
-    for (int i = 0; i < record.counterexamples.size(); ++i)
+    for (int i = 0; i < record.texts("counterexample").size(); ++i)
         expected.append(QStringLiteral("counterexample"));
-    EXPECT_EQ(record.childTags, expected);
+    QStringList tags;
+    for (const RecordPart& part : record.parts)
+        tags.append(part.tag);
+    EXPECT_EQ(tags, expected);
 }
 
 TEST_P(RecordLayout, IsWrittenInUpperCase)
 {
     const Record& record = GetParam();
+    ASSERT_NE(record.expression(), nullptr);
     EXPECT_EQ(record.name, record.name.toUpper());
-    EXPECT_EQ(record.expression, record.expression.toUpper());
+    EXPECT_EQ(record.expression()->text, record.expression()->text.toUpper());
 }
 
 TEST_P(RecordLayout, HasNoEmptyExampleUnlessItNeverHasData)
 {
-    const bool neverHasData = GetParam().expression == QLatin1String("NIL");
-    EXPECT_TRUE(neverHasData || !GetParam().examples.contains(QString()));
-    EXPECT_FALSE(GetParam().counterexamples.contains(QString()));
+    const bool neverHasData = GetParam().expression()->text == QLatin1String("NIL");
+    EXPECT_TRUE(neverHasData || !GetParam().texts("example").contains(QString()));
+    EXPECT_FALSE(GetParam().texts("counterexample").contains(QString()));
 }
 
 TEST_P(RecordLayout, HasNoExampleTwice)
 {
-    QStringList all = GetParam().examples + GetParam().counterexamples;
+    QStringList all = GetParam().texts("example") + GetParam().texts("counterexample");
     EXPECT_EQ(all.removeDuplicates(), 0);
 }
 
@@ -395,21 +275,28 @@ std::string testName(const testing::TestParamInfo<Record>& info)
     return info.param.testName;
 }
 
+const auto AllRecords = testing::ValuesIn(recordsThat([](const Record&) { return true; }));
+
+INSTANTIATE_TEST_SUITE_P(RuleSet, Examples, AllRecords, testName);
 INSTANTIATE_TEST_SUITE_P(
-    RuleSet, DefinitionExamples,
+    RuleSet, Counterexamples,
     testing::ValuesIn(recordsThat([](const Record& r) { return !r.isMessageRule(); })), testName);
-INSTANTIATE_TEST_SUITE_P(
-    RuleSet, MessageRuleExamples,
-    testing::ValuesIn(recordsThat([](const Record& r) { return r.isMessageRule(); })), testName);
-INSTANTIATE_TEST_SUITE_P(RuleSet, RecordLayout,
-                         testing::ValuesIn(recordsThat([](const Record&) { return true; })),
-                         testName);
+INSTANTIATE_TEST_SUITE_P(RuleSet, RecordLayout, AllRecords, testName);
 
 TEST(RuleSetLoading, ReportsNothing)
 {
     EXPECT_TRUE(ruleSet().isLoaded);
     for (const QString& report : ruleSet().reports)
         ADD_FAILURE() << report.toStdString();
+}
+
+// The loading above shows what the library finds, this what a look at the whole finds.
+TEST(RuleSetChecking, FindsNothing)
+{
+    QSettings settings(SettingsPath, QSettings::IniFormat);
+    for (const Finding& finding : RuleChecker(&settings).findings())
+        ADD_FAILURE() << finding.record.xmlFile.toStdString() << ':' << finding.record.lineNumber
+                      << ": " << finding.text.toStdString();
 }
 
 TEST(RuleSetLoading, KeepsEveryRecord)
