@@ -1,5 +1,5 @@
 """Writes completions for bash and zsh from the help of a command."""
-from helptext import OPTIONS, POSITIONALS, SUBCOMMANDS
+from helptext import OPTIONS, SUBCOMMANDS
 
 FILE = "file"
 FOLDER = "folder"
@@ -58,7 +58,7 @@ _adexp()
     local -A arguments=(
 @ARGUMENTS@
     )
-    local word=${COMP_WORDS[COMP_CWORD]} subcommand=adexp value= place=0 index
+    local word=${COMP_WORDS[COMP_CWORD]} kinds subcommand=adexp value="" place=0 index
     COMPREPLY=()
 
     for ((index = 1; index < COMP_CWORD; ++index)); do
@@ -83,7 +83,7 @@ _adexp()
     elif [[ $word == -* ]]; then
         _adexp_value "$word" "${options[$subcommand]:-none}"
     else
-        local kinds=(${arguments[$subcommand]})
+        read -ra kinds <<<"${arguments[$subcommand]}"
         local kind=${kinds[place]:-none}
         [[ ${kinds[*]} == *... ]] && ((place >= ${#kinds[@]})) && kind=${kinds[-1]}
         _adexp_value "$word" "${kind%...}"
@@ -129,9 +129,9 @@ _adexp "$@"
 """
 
 
-def kind(entry):
-    """What is completed for an argument, or for the value of an option."""
-    return ",".join(entry.choices) or KINDS.get(entry.value or entry.names[0], NOTHING)
+def kind(placeholder, choices=()):
+    """What is completed for an argument or the value of an option."""
+    return ",".join(choices) or KINDS.get(placeholder, NOTHING)
 
 
 def bash_row(key, value):
@@ -139,7 +139,7 @@ def bash_row(key, value):
 
 
 def bash_arguments(help):
-    return " ".join(kind(entry) + "..." * entry.repeated for entry in help.entries(POSITIONALS))
+    return " ".join(kind(name) + "..." * is_repeated for name, is_repeated in help.arguments())
 
 
 def bash_completion(main, helps):
@@ -150,8 +150,8 @@ def bash_completion(main, helps):
         "@OPTIONS@": [bash_row(key, ",".join(name for entry in help.entries(OPTIONS)
                                              for name in entry.names))
                       for key, help in keys.items()],
-        "@VALUES@": [bash_row(f"{key} {name}", kind(entry)) for key, entry in options
-                     if entry.value for name in entry.names],
+        "@VALUES@": [bash_row(f"{key} {name}", kind(entry.value, entry.choices))
+                     for key, entry in options if entry.value for name in entry.names],
         "@ARGUMENTS@": [bash_row("adexp", ",".join(subcommands)),
                         *(bash_row(key, bash_arguments(help))
                           for key, help in zip(subcommands, helps))],
@@ -169,15 +169,16 @@ def zsh_quoted(text, special):
     return text.replace("'", r"'\''")
 
 
-def zsh_action(entry):
-    """The message and the action for a value."""
-    action = ZSH_ACTIONS.get(kind(entry)) or f"({' '.join(entry.choices)})"
-    return f":{zsh_quoted(entry.value or entry.names[0], ':')}:{action}"
+def zsh_action(placeholder, choices=()):
+    """The message and the action for an argument or the value of an option."""
+    action = ZSH_ACTIONS.get(kind(placeholder, choices)) or f"({' '.join(choices)})"
+    return f":{zsh_quoted(placeholder, ':')}:{action}"
 
 
 def zsh_option(entry):
     excluded = " ".join(name for name in entry.names + entry.excludes if name.startswith("-"))
-    text = f"[{zsh_quoted(entry.text, '[]')}]" + (zsh_action(entry) if entry.value else "")
+    text = f"[{zsh_quoted(entry.text, '[]')}]" + \
+        (zsh_action(entry.value, entry.choices) if entry.value else "")
     # "+": the value may follow at once; "=": behind an equals sign.
     names = [name + ("=" if name.startswith("--") else "+") * bool(entry.value)
              for name in entry.names]
@@ -185,9 +186,8 @@ def zsh_option(entry):
 
 
 def zsh_arguments(help):
-    positionals = help.entries(POSITIONALS)
-    return ["'" + ("*" if entry.repeated else str(place)) + zsh_action(entry) + "'"
-            for place, entry in enumerate(positionals, start=1)]
+    return ["'" + ("*" if is_repeated else str(place)) + zsh_action(name) + "'"
+            for place, (name, is_repeated) in enumerate(help.arguments(), start=1)]
 
 
 def zsh_options(help):

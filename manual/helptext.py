@@ -40,6 +40,11 @@ class Help:
     def entries(self, section):
         return [parsed_entry(head, text) for head, text in heads(self.sections.get(section, []))]
 
+    def arguments(self):
+        """The (placeholder, is repeated) pairs of the arguments by position, in their order."""
+        words = self.usage.removeprefix(self.name).replace("[OPTIONS]", "").split()
+        return [(word.strip("[]."), "..." in word) for word in words]
+
 
 def heads(lines):
     """The (head, text) pairs of a section: "  HEAD   text", or the text indented on the next line.

@@ -60,9 +60,9 @@ def synopsis(help):
 
 
 def entry_head(entry):
-    names = ", ".join(map(bold, entry.names)) if entry.names[0].startswith("-") else \
-        italic(entry.names[0]) + " ..." * entry.repeated
-    return names + (" " + italic(entry.value) if entry.value else "")
+    mark = bold if entry.names[0].startswith("-") else italic
+    names = ", ".join(map(mark, entry.names))
+    return names + (" " + italic(entry.value) if entry.value else "") + " ..." * entry.repeated
 
 
 def sentence(text):

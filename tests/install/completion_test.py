@@ -97,10 +97,16 @@ class Bash(Completion):
         self.assertEqual(self.complete("convert", "--settings", "x", "--settings", "y", "plant"),
                          ["plant.adexp"])
 
+    def test_words(self):
+        self.assertEqual(self.complete("check", "--format", ""), ["text", "json"])
+        self.assertEqual(self.complete("check", "--format", "=", "j"), ["json"])
+
     def test_definitions(self):
         self.assertEqual(self.complete("dump", "ARCIDK"), ["ARCIDK"])
         self.assertEqual(self.complete("dump", "arcidk"), ["ARCIDK"])
         self.assertEqual(self.complete("dump", "ARCIDK", "A"), [])
+        self.assertEqual(self.complete("match", "ARCIDK"), ["ARCIDK"])
+        self.assertEqual(self.complete("match", "ARCIDK", "A"), [])
 
     def test_definitions_of_another_rule_set(self):
         self.settings_of_the_tests()
@@ -167,6 +173,8 @@ class Zsh(Completion):
                 ("adexp tree x plant", "adexp tree x plant"),
                 ("adexp convert --summary --out", "adexp convert --summary --out"),
                 ("adexp dump arcidk", "adexp dump ARCIDK "),
+                ("adexp match ARCIDK arcidk", "adexp match ARCIDK arcidk"),
+                ("adexp check --format j", "adexp check --format json "),
                 ("adexp dump --settings own.ini PL", "adexp dump --settings own.ini PLAN "),
         ]:
             with self.subTest(line):

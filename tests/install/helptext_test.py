@@ -12,10 +12,11 @@ from manpage import manual_page  # noqa: E402
 
 HELP = """\
 Does it
-Usage: adexp do [OPTIONS] [FILE...]
+Usage: adexp do [OPTIONS] NAME [FILE...]
 
 Positionals:
-  FILE ... Excludes: --list   What to do
+  NAME FILE ... Excludes: --list
+                              What to do
 
 OPTIONS:
   -h,--help                   Print this help message and exit
@@ -75,9 +76,10 @@ class HelpText(unittest.TestCase):
 
     def test_sections(self):
         self.assertEqual((self.help.summary, self.help.usage),
-                         ("Does it", "adexp do [OPTIONS] [FILE...]"))
+                         ("Does it", "adexp do [OPTIONS] NAME [FILE...]"))
         self.assertEqual([line for line in self.help.description if line],
                          ["First line", "second line.", "  .table  1", "Last paragraph."])
+        self.assertEqual(self.help.arguments(), [("NAME", False), ("FILE", True)])
         self.assertEqual([entry.names for entry in self.help.entries("options")],
                          [["-h", "--help"], ["-j", "--jobs"], ["--form"], ["--list"]])
 
@@ -89,7 +91,7 @@ class HelpText(unittest.TestCase):
                 ".PP\nFirst line second line.\n.PP\n.EX\n  .table  1\n.EE\n.PP\nLast paragraph.\n",
                 "How often: [again]. INT in [0 \\- 9]. Without it 1.\n",
                 "How it\\(aqs done. One of a, b. Only with \\-\\-list.\n",
-                "What to do. Not together with \\-\\-list.\n",
+                "\\fINAME\\fP \\fIFILE\\fP ...\nWhat to do. Not together with \\-\\-list.\n",
                 ".EX\nadexp do \\(aqit\\(aq\n.EE\n",
                 '.SH "EXIT STATUS"\n.TP\n\\fB0\\fP\ndone\n'):
             with self.subTest(part):
@@ -102,13 +104,14 @@ class HelpText(unittest.TestCase):
     def test_completions(self):
         main = parsed_help("adexp", "Does\nUsage: adexp\n\nSubcommands:\n  do    It's: done\n")
         bash = bash_completion(main, [self.help])
-        for row in ("[do]='file...'", "[do --form]='a,b'", "[do -j]='none'", "[do --list]='file'"):
+        for row in ("[do]='definition file...'", "[do --form]='a,b'", "[do -j]='none'", "[do --list]='file'"):
             with self.subTest(row):
                 self.assertIn(f"        {row}\n", bash)
         zsh = zsh_completion(main, [self.help])
         for row in (r"'do:It'\''s\: done'", "'(-j --jobs)--jobs=[How often: \\[again\\]]:N: '",
                     r"'(--form)--form=[How it'\''s done]:TEXT:(a b)'",
-                    "'(--list -h)--list=[Where to look]:FILE:_files'", "'*:FILE:_files'"):
+                    "'(--list -h)--list=[Where to look]:FILE:_files'", "'1:NAME:_adexp_definitions'",
+                    "'*:FILE:_files'"):
             with self.subTest(row):
                 self.assertIn(f"        {row}", zsh)
 

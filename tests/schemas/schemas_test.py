@@ -109,6 +109,7 @@ class Schemas(unittest.TestCase):
             ('name="A"', 'name=""', "pattern"),
             ('name="A"', 'name="A B"', "pattern"),
             ('name="A"', 'name="A" active="FALSE"', "enumeration"),
+            ('name="A"', 'name="A" unused="yes"', "enumeration"),
             (TERM, "", "Missing child element(s)"),
             (TERM, "<term> </term>", "minLength"),
             (TERM, TERM + TERM, "not expected"),
