@@ -7,7 +7,6 @@ import shutil
 import signal
 import subprocess
 import time
-import unittest
 import xml.etree.ElementTree as ElementTree
 
 from commandtest import GOOD, TIMEOUT, CommandTest, main
