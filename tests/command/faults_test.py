@@ -211,7 +211,7 @@ class Vanishing(FaultsTest):
 
 class Signals(FaultsTest):
 
-    COUNT = 200
+    COUNT = 100
 
     def setUp(self):
         super().setUp()

@@ -167,8 +167,10 @@ protected:
         for (const Failures failures : {Failures::One, Failures::FromThereOn}) {
             long number = 1;
             for (; initFails(settings, Good, number, failures, expected); number += step) {
-                ASSERT_EQ(CountedHeap::liveBlocks(), before) << "allocation " << number;
+                // Less, if Qt has dropped the settings file that it keeps for the next call.
+                ASSERT_LE(CountedHeap::liveBlocks(), before) << "allocation " << number;
                 ASSERT_TRUE(outcome(settings, Good) == expected) << "allocation " << number;
+                ASSERT_EQ(CountedHeap::liveBlocks(), before) << "allocation " << number;
             }
             std::printf("%ld of %ld allocations failed\n", (number - 1) / step, number - 1);
             EXPECT_GT(number, 40 * step);
