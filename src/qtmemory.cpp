@@ -9,7 +9,7 @@
 namespace {
 
 // What Qt needs the first time, and for buffers whose size does not depend on the file.
-constexpr std::size_t Fixed = 128 * 1024;
+constexpr std::size_t Fixed = std::size_t(128) << 10;
 
 // Above what Qt 5.15 and Qt 6.4 take at the peak, by files that are full of what costs most.
 constexpr std::size_t PerSettingsByte = 128; // files of nothing but short sections
