@@ -82,7 +82,7 @@ private:
     }
 
     QList<Item*> m_items;
-    // Not QHash: when memory runs out while it grows, it has lost items.
+    // Not QHash: it ends the process when memory runs out while it grows.
     std::unordered_map<QStringView, Item*> m_firstByName;
 };
 
