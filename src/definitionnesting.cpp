@@ -6,15 +6,15 @@
 
 DefinitionNesting::DefinitionNesting(const TermList* terms) : m_terms(terms) {}
 
-int DefinitionNesting::depthOf(const TermStd* term)
+DefinitionNesting::Extent DefinitionNesting::extentOf(const TermStd* term)
 {
     const auto begin = [this](const TermStd* next) {
-        Definition definition{next, {}, 0};
+        Definition definition{next, {}, {}};
         collect(next, 0, &definition);
-        m_depths[next] = 0; // under way
+        m_extents[next] = {}; // under way
         return definition;
     };
-    if (const auto known = m_depths.find(term); known != m_depths.cend())
+    if (const auto known = m_extents.find(term); known != m_extents.cend())
         return known->second;
 
     std::vector<Definition> stack;
@@ -22,21 +22,23 @@ int DefinitionNesting::depthOf(const TermStd* term)
     for (;;) {
         Definition& top = stack.back();
         if (top.references.empty()) {
-            const int depth = top.depth;
-            m_depths[top.term] = depth;
+            const Extent extent = top.extent;
+            m_extents[top.term] = extent;
             stack.pop_back();
             if (stack.empty())
-                return depth;
+                return extent;
             continue;
         }
         // The reference stays in its place until the term it names is known.
         const Reference& reference = top.references.back();
         const TermStd* const target = m_terms->search(reference.name);
-        if (target && m_depths.count(target) == 0) {
+        if (target && m_extents.count(target) == 0) {
             stack.push_back(begin(target));
             continue;
         }
-        top.depth = std::max(top.depth, reference.level + (target ? m_depths.at(target) : 0));
+        const Extent referred = target ? m_extents.at(target) : Extent();
+        top.extent.depth = std::max(top.extent.depth, reference.level + referred.depth);
+        top.extent.terms = std::min(top.extent.terms + referred.terms, MaxTerms + 1);
         top.references.pop_back();
     }
 }
@@ -44,7 +46,9 @@ int DefinitionNesting::depthOf(const TermStd* term)
 // Brackets are bounded by the compiler, so this recursion is.
 void DefinitionNesting::collect(const TermStd* term, int level, Definition* definition)
 {
-    definition->depth = std::max(definition->depth, level);
+    Extent& extent = definition->extent;
+    extent.depth = std::max(extent.depth, level);
+    extent.terms = std::min(extent.terms + 1, MaxTerms + 1);
     if (term->type() == TermTypeVariable) {
         definition->references.push_back({term->ExprRuleStr, level + 1});
     } else if (term->type() == TermTypeExpression) {

@@ -77,13 +77,21 @@ void appendTo(NamedList<Item>* list, std::unique_ptr<Item> item)
     static_cast<void>(item.release()); // only now, since append() may throw
 }
 
-// False, after a report, if the definition nests so deep that checking it is not safe.
-bool isWithinNesting(const TermStd* term, DefinitionNesting* nesting)
+// False, after a report, if the definition nests so deep, or comes to so much, that checking it is
+// not safe.
+bool isWithinLimits(const TermStd* term, DefinitionNesting* nesting)
 {
-    if (nesting->depthOf(term) <= TermExpression::MaxNesting)
-        return true;
-    term->configErrorMessage(TermExpression::nestedTooDeepText());
-    return false;
+    const DefinitionNesting::Extent extent = nesting->extentOf(term);
+    if (extent.depth > TermExpression::MaxNesting) {
+        term->configErrorMessage(TermExpression::nestedTooDeepText());
+        return false;
+    }
+    if (extent.terms > DefinitionNesting::MaxTerms) {
+        term->configErrorMessage(QObject::tr("references written out come to more than %1 terms")
+                                     .arg(DefinitionNesting::MaxTerms));
+        return false;
+    }
+    return true;
 }
 
 } // namespace
@@ -259,7 +267,7 @@ void MainClass::termsList_checkConfig()
     DefinitionNesting nesting(&termsList);
     qDeleteAll(termsList.takeUnless([this, &nesting](TermStd* term) {
         if (!term->configChecked) {
-            if (!isWithinNesting(term, &nesting) || !term->check_config(&termsList)) {
+            if (!isWithinLimits(term, &nesting) || !term->check_config(&termsList)) {
                 Finding finding;
                 finding.kind = FindingKind::Consequence;
                 // Two blanks; this is meant.

@@ -3,6 +3,7 @@
 #include "support/diagnosticcapture.h"
 #include "support/smallstack.h"
 
+#include "definitionnesting.h"
 #include "mainclass.h"
 #include "termexpression.h"
 
@@ -227,6 +228,49 @@ TEST(DefinitionNesting, AVeryLargeTangleOfLoopsDoesNotTakeTheStack)
         for (const TermStd* term : converter.termsList)
             EXPECT_FALSE(term->valid);
     });
+}
+
+// T0 is a DIGIT, T1 names T0 twice, T2 names T1 twice ... Tn comes to 2^(n + 2) - 3 terms.
+void defineDoublings(MainClass* converter, int count)
+{
+    define(converter, numbered(0), QStringLiteral("DIGIT"));
+    for (int i = 1; i < count; ++i)
+        define(converter, numbered(i), QStringLiteral("[%1] ! [%1]").arg(numbered(i - 1)));
+}
+
+TEST(DefinitionNesting, DoublingsAreRefusedFromTheOneThatComesToTooManyTerms)
+{
+    const DiagnosticCapture capture;
+    MainClass converter(nullptr);
+    constexpr int Count = 100; // without the limit no look at the last one would ever end
+    constexpr int Kept = 15;   // T14 comes to 65533 terms
+    defineDoublings(&converter, Count);
+    converter.termsList_checkConfig();
+    EXPECT_EQ(converter.termsList.size(), Kept);
+    EXPECT_NE(converter.termsList.search(numbered(Kept - 1)), nullptr);
+    // The next one is refused for what it comes to, those behind it for want of the one before.
+    EXPECT_EQ(capture.reportedTexts().mid(0, 5),
+              (QStringList{QStringLiteral("references written out come to more than 100000 terms"),
+                           Removed, QStringLiteral("variable T15 not found"),
+                           QStringLiteral("variable T15 not found"), Removed}));
+}
+
+TEST(DefinitionNesting, TheTermsAreThoseOfTheDefinitionWithItsReferencesWrittenOut)
+{
+    const DiagnosticCapture capture;
+    MainClass converter(nullptr);
+    define(&converter, QStringLiteral("A"), QStringLiteral("DIGIT"));
+    define(&converter, QStringLiteral("B"), QStringLiteral("A"));
+    define(&converter, QStringLiteral("C"), QStringLiteral("A ! 'X' ! (A | B)"));
+    define(&converter, QStringLiteral("D"), QStringLiteral("D | C"));
+    DefinitionNesting nesting(&converter.termsList);
+    const auto terms = [&](const char* name) {
+        return nesting.extentOf(converter.termsList.search(QString::fromLatin1(name))).terms;
+    };
+    EXPECT_EQ(terms("A"), 1);
+    EXPECT_EQ(terms("B"), 2);  // the reference and the digit
+    EXPECT_EQ(terms("C"), 10); // itself, A + DIGIT, 'X', the choice, A + DIGIT, B + A + DIGIT
+    EXPECT_EQ(terms("D"), 13); // itself, D, C and what it is
 }
 
 } // namespace
