@@ -97,7 +97,7 @@ QString allowedText(QString text)
         const char16_t c = text.at(at).unicode();
         const bool isAllowed = c == 0x9 || c == 0xa || (c >= 0x20 && c < 0xfffe);
         if (!isAllowed || (text.at(at).isSurrogate() && sizeAt(text, at) == 1))
-            text[at] = QChar::ReplacementCharacter;
+            text[at] = QChar(QChar::ReplacementCharacter);
     }
     return text;
 }
@@ -169,13 +169,13 @@ DocumentCheck::Stretch DocumentCheck::checkField(const xmlNode* element, int par
     if (!isTrue(element, "valid"))
         require(!isList && elementsIn(element).empty(), "an unknown field has nothing in it");
     if (isList)
-        checkItems(element, stretch.begin);
+        checkItems(element, stretch);
     else
-        checkFields(element, stretch.begin);
+        checkFields(element, stretch);
     return stretch;
 }
 
-void DocumentCheck::checkItems(const xmlNode* list, int listBegin) const
+void DocumentCheck::checkItems(const xmlNode* list, Stretch listStretch) const
 {
     int end = -1;
     for (const xmlNode* item : elementsIn(list)) {
@@ -190,17 +190,33 @@ void DocumentCheck::checkItems(const xmlNode* list, int listBegin) const
                 "an item begins with its first field");
         require(stretch.end == position(fields.back(), "field_end"),
                 "an item ends with its last field");
-        checkFields(item, listBegin);
+        checkFields(item, listStretch);
     }
 }
 
-void DocumentCheck::checkFields(const xmlNode* parent, int parentBegin) const
+void DocumentCheck::checkFields(const xmlNode* parent, Stretch parentStretch) const
 {
-    int before = parentBegin;
+    int before = parentStretch.begin;
     for (const xmlNode* field : elementsIn(parent)) {
         const Stretch stretch = checkField(field, before);
+        require(stretch.end <= reachOf(parentStretch), "a field ends where its parent ends");
         before = std::max(stretch.begin, stretch.end - 1);
     }
+}
+
+// Where what is in the field ends at the latest.
+int DocumentCheck::reachOf(Stretch stretch) const
+{
+    if (stretch.end == -1)
+        return static_cast<int>(m_text.size());
+    int end = wordEnd(stretch.end);
+    QString word = m_text.mid(stretch.end, end - stretch.end);
+    if (word == u"-") {
+        const int next = nextWord(end);
+        end = wordEnd(next);
+        word += m_text.mid(next, end - next);
+    }
+    return word == u"-END" ? wordEnd(nextWord(end)) : stretch.end;
 }
 
 // The name stands where the field begins, behind that keyword if it is there. Returns the position

@@ -15,7 +15,9 @@
 /// - ORIGINAL_TEXT is the text of the message; where the message has a character that XML does not
 ///   allow, it has U+FFFD.
 /// - A position lies in the text. Each field stands there under its name, behind where its parent
-///   begins, and behind where the field before it ends.
+///   begins and behind where the field before it ends, and it ends where its parent ends at the
+///   latest. The end of a list whose "-END" was taken by a field in it is told as the place of that
+///   "-END"; the field ends behind the name.
 /// - Data is what stands in the text behind the name of its field.
 class DocumentCheck
 {
@@ -35,12 +37,13 @@ private:
 
     void checkRoot(const xmlNode* root) const;
     Stretch checkField(const xmlNode* element, int parentBegin) const;
-    void checkItems(const xmlNode* list, int listBegin) const;
-    void checkFields(const xmlNode* parent, int parentBegin) const;
+    void checkItems(const xmlNode* list, Stretch listStretch) const;
+    void checkFields(const xmlNode* parent, Stretch parentStretch) const;
     int checkName(const xmlNode* element, int begin, QStringView keyword) const;
     void checkData(const xmlNode* element, Stretch stretch, int behindName) const;
     Stretch stretchOf(const xmlNode* element) const;
     int position(const xmlNode* element, const char* attribute) const;
+    int reachOf(Stretch stretch) const;
     int wordEnd(int begin) const;
     int nextWord(int from) const;
 
