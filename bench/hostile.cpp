@@ -3,6 +3,7 @@
 
 #include "support/converter.h"
 #include "support/element.h"
+#include "support/hostilemessages.h"
 #include "support/messages.h"
 #include "support/timing.h"
 
@@ -10,34 +11,10 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <string>
 
 namespace {
-
-// A message of one thing many times over.
-struct Shape
-{
-    const char* name;
-    const char* before;
-    const char* repeated;
-    const char* behind;
-    std::size_t linesForEach; // what is reported for each of the repeated things
-    std::size_t linesForAll;  // what is reported once, of all of them together
-};
-
-constexpr Shape Shapes[] = {
-    {"blocks_never_ended", "-TITLE IFPL", " -BEGIN X", "", 1, 0},
-    {"unknown_blocks", "-TITLE IFPL", " -BEGIN A -ARCID B -END A", "", 1, 0},
-    {"ends_without_begin", "-TITLE IFPL", " -END X", "", 2, 0},
-    {"words_in_a_field", "-TITLE IFPL -RMK", " A", "", 0, 0},
-    {"words_before_title", "", "A ", "-TITLE IFPL", 1, 0},
-    {"lone_hyphens", "-TITLE IFPL", " -", " - ARCID AAA1", 1, 0},
-    {"unknown_fields", "-TITLE IFPL", " -XYZZY A", "", 1, 0},
-    {"list_items", "-TITLE IFPL -BEGIN RTEPTS", " -PT -PTID BEPAN -FL F182", " -END RTEPTS", 0, 0},
-    {"compounds_cut_short", "-TITLE IFPL", " -ORIGIN -NETWORKTYPE AFTN -ADEP EIDW", "", 0, 0},
-    {"text_to_escape", "-TITLE IFPL -RMK ", "<&]]>", "", 0, 1},
-    {"one_long_word", "-TITLE IFPL -RMK ", "A", "", 0, 0},
-};
 
 struct Message
 {
@@ -45,18 +22,15 @@ struct Message
     std::size_t repeated;
 };
 
-Message makeMessage(const Shape& shape, std::size_t bytes)
+Message makeMessage(const HostileShape& shape, std::size_t bytes)
 {
-    Message message{shape.before, 0};
-    for (; message.text.size() < bytes; ++message.repeated)
-        message.text += shape.repeated;
-    message.text += shape.behind;
-    return message;
+    const std::size_t count = bytes / std::strlen(shape.repeated);
+    return {hostileMessage(shape, count), count};
 }
 
 // Makes sure that the shape provokes what it is made for, and that the document is right as far as
 // that can be said for all shapes.
-void check(const Shape& shape, const Message& message)
+void check(const HostileShape& shape, const Message& message)
 {
     const std::size_t before = bench::diagnosticLines();
     const bench::Utf8Element document = bench::readDocument(bench::convertOrExit(message.text));
@@ -87,7 +61,7 @@ int main(int argc, char** argv)
 
     benchmark::Initialize(&argc, argv);
     bench::useEmbeddedRules();
-    for (const Shape& shape : Shapes) {
+    for (const HostileShape& shape : HostileShapes) {
         check(shape, makeMessage(shape, 20'000));
         for (const auto& [size, bytes] : Sizes) {
             const Message message = makeMessage(shape, bytes);

@@ -1,0 +1,201 @@
+// Expressions and sets of definitions made to cost as much as they can.
+
+#include "hostile/steps.h"
+
+#include "support/diagnosticcapture.h"
+#include "support/termset.h"
+
+#include "mainclass.h"
+#include "termexpression.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+struct ExpressionShape
+{
+    const char* name;
+    const char* before;
+    const char* repeated;
+    const char* behind;
+    bool compiles;
+    double stepsPerByte;
+};
+
+constexpr ExpressionShape Shapes[] = {
+    {"alternatives", "A", " | 'XYZ'", "", true, 16.2},
+    {"words", "A", " BCD", "", true, 55.4},
+    {"optional_groups", "A", " [BCD]", "", true, 43.4},
+    {"repeated_groups", "A", " 2{DIGIT}3", "", true, 57.2},
+    {"nested_groups", "A", " ((B ! C) | [D])", "", true, 63.1},
+    {"brackets_never_closed", "A", "(", "", false, 5.0},
+    {"braces_never_closed", "A", " {A", "", false, 4.3},
+    {"deep_brackets", "A", "(", ")", false, 641.8},
+    {"operators_on_end", "A", "|", "", false, 0.1},
+    {"quotes", "A", "''", "", false, 0.1},
+    {"digits", "{A}", "9", "", true, 3.0},
+    {"blanks", "A", "   ", "", true, 0.1},
+};
+
+class HostileExpressions : public testing::TestWithParam<ExpressionShape>
+{
+};
+
+QString expression(const ExpressionShape& shape, int count)
+{
+    QString text =
+        QString::fromLatin1(shape.before) + QString::fromLatin1(shape.repeated).repeated(count);
+    if (shape.name == std::string("deep_brackets"))
+        return text + u'A' + QString::fromLatin1(shape.behind).repeated(count);
+    return text + QString::fromLatin1(shape.behind);
+}
+
+TEST_P(HostileExpressions, CompileInStepsInProportionToTheirSize)
+{
+    const ExpressionShape& shape = GetParam();
+    expectLinear(
+        [&shape](int count) {
+            const DiagnosticCapture capture;
+            const QString text = expression(shape, count);
+            EXPECT_EQ(compileDefinition(QStringLiteral("T"), text) != nullptr, shape.compiles);
+            return text.size();
+        },
+        1000, shape.stepsPerByte);
+}
+
+INSTANTIATE_TEST_SUITE_P(, HostileExpressions, testing::ValuesIn(Shapes),
+                         [](const auto& shape) { return std::string(shape.param.name); });
+
+// The text is the repeated part of the shape as many times.
+std::int64_t match(const QString& expression, int count, const QString& part, int expected)
+{
+    const DiagnosticCapture capture;
+    const std::unique_ptr<TermStd> term = compileDefinition(QStringLiteral("T"), expression);
+    EXPECT_TRUE(term->check_config(nullptr));
+    const QString text = part.repeated(count);
+    EXPECT_EQ(term->parse(text.constData()), expected);
+    return expression.size() + text.size();
+}
+
+TEST(HostileMatching, HugeRepeatCountsCostWhatTheTextCosts)
+{
+    for (const char* text :
+         {"{DIGIT}2147483647", "{[DIGIT]}2147483647", "{{DIGIT}2147483647}2147483647",
+          "{(DIGIT | '12')}2147483647", "{[NIL] ! DIGIT}2147483647", "{DIGIT ! [SEP]}2147483647"}) {
+        SCOPED_TRACE(text);
+        expectLinear(
+            [text](int count) {
+                return match(QString::fromLatin1(text), count, QStringLiteral("12"), 2 * count);
+            },
+            1000, 54);
+    }
+    // Nothing, as often as there are numbers, is nothing.
+    for (const char* text : {"{NIL}2147483647", "2147483647{DIGIT}2147483647", "{SEP}2147483647"})
+        EXPECT_EQ(match(QString::fromLatin1(text), 1000, QStringLiteral("1"), 0),
+                  1000 + qstrlen(text));
+}
+
+TEST(HostileMatching, AllOfTenThousandAlternativesAreTried)
+{
+    expectLinear(
+        [](int count) {
+            const QString text = QStringLiteral("'X' | ").repeated(count) + QStringLiteral("'XY'");
+            return match(text, 1, QStringLiteral("XY"), 2);
+        },
+        1000, 26.5);
+}
+
+// Definitions, loaded as a term file would, and checked.
+class DefinitionSet
+{
+public:
+    void define(const QString& name, const QString& text)
+    {
+        ConfigInfo record;
+        fillRecord(&record, name, text);
+        m_converter.termsList.append(TermExpression::append_expression(&record, true));
+        m_bytes += name.size() + text.size();
+    }
+    std::int64_t check()
+    {
+        m_converter.termsList_checkConfig();
+        return m_bytes;
+    }
+    qsizetype size() const { return m_converter.termsList.size(); }
+
+private:
+    MainClass m_converter{nullptr};
+    std::int64_t m_bytes = 0;
+};
+
+QString numbered(int number)
+{
+    return QLatin1Char('T') + QString::number(number).rightJustified(6, u'0');
+}
+
+TEST(HostileDefinitions, AChainIsCheckedInStepsInProportionToItsLength)
+{
+    for (const bool lastFirst : {false, true}) {
+        expectLinear(
+            [lastFirst](int count) {
+                const DiagnosticCapture capture;
+                DefinitionSet set;
+                for (int i = 0; i < count; ++i) {
+                    const int number = lastFirst ? count - 1 - i : i;
+                    set.define(numbered(number), number == count - 1 ? QStringLiteral("DIGIT")
+                                                                     : numbered(number + 1));
+                }
+                return set.check();
+            },
+            10'000, 60.5);
+    }
+}
+
+TEST(HostileDefinitions, ALoopIsCheckedInStepsInProportionToItsLength)
+{
+    expectLinear(
+        [](int count) {
+            const DiagnosticCapture capture;
+            DefinitionSet set;
+            for (int i = 0; i < count; ++i)
+                set.define(numbered(i), numbered((i + 1) % count) + QStringLiteral(" DIGIT"));
+            return set.check();
+        },
+        1000, 70.9);
+}
+
+TEST(HostileDefinitions, AStarOfLoopsIsCheckedInStepsInProportionToItsSize)
+{
+    expectLinear(
+        [](int count) {
+            const DiagnosticCapture capture;
+            DefinitionSet set;
+            QString all;
+            for (int i = 0; i < count; ++i) {
+                set.define(numbered(i), QStringLiteral("A"));
+                all += numbered(i) + u' ';
+            }
+            set.define(QStringLiteral("A"), all);
+            return set.check();
+        },
+        1000, 155.4);
+}
+
+// Each names the one before twice.
+TEST(HostileDefinitions, DoublingsAreCheckedInStepsInProportionToTheirNumber)
+{
+    expectLinear(
+        [](int count) {
+            const DiagnosticCapture capture;
+            DefinitionSet set;
+            set.define(numbered(0), QStringLiteral("DIGIT"));
+            for (int i = 1; i < count; ++i)
+                set.define(numbered(i), QStringLiteral("[%1] ! [%1]").arg(numbered(i - 1)));
+            return set.check();
+        },
+        1000, 52.2);
+}
+
+} // namespace
