@@ -9,6 +9,7 @@
 #include "explaincommand.h"
 #include "matchcommand.h"
 #include "treecommand.h"
+#include "viewcommand.h"
 
 #include <CLI/CLI.hpp>
 
@@ -54,12 +55,14 @@ ExitCode run(int argc, const char* const* argv)
     ExplainOptions explainOptions;
     MatchOptions matchOptions;
     TreeOptions treeOptions;
+    ViewOptions viewOptions;
     DumpOptions dumpOptions;
     const CLI::App* const convert = addConvertCommand(&app, &convertOptions);
     const CLI::App* const tree = addTreeCommand(&app, &treeOptions);
     const CLI::App* const check = addCheckCommand(&app, &checkOptions);
     const CLI::App* const explain = addExplainCommand(&app, &explainOptions);
     const CLI::App* const match = addMatchCommand(&app, &matchOptions);
+    const CLI::App* const view = addViewCommand(&app, &viewOptions);
     addDumpCommand(&app, &dumpOptions);
 
     if (const std::optional<ExitCode> end = parseCommandLine(&app, argc, argv))
@@ -74,6 +77,8 @@ ExitCode run(int argc, const char* const* argv)
         return runExplain(explainOptions);
     if (match->parsed())
         return runMatch(matchOptions);
+    if (view->parsed())
+        return runView(viewOptions);
     return runDump(dumpOptions);
 }
 

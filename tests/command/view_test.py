@@ -1,0 +1,301 @@
+"""Tests of "adexp view": the page as a file. What it does in a browser is tested in tests/browser."""
+
+import os
+import random
+import unicodedata
+
+from commandtest import GOOD, NO_RULE, NO_TITLE, REPORTED, CommandTest, main
+from htmlpage import Page
+
+SAMPLES = os.path.join(os.path.dirname(__file__), "..", "..", "samples")
+
+# Text that would do something if it were not written as text.
+HOSTILE = ["<script>document.title='run'</script>", "</style><script>run()</script>", "</pre></script>",
+           "\"onpointermove=\"run()", "'onload='run()", "<img src=x onerror=run()>", "]]>", "<!--", "-->",
+           "&lt;b&gt;", "@TITLE@", "@SCRIPT@", "{{x}}", "javascript:run()", "\x00", "\x1b[31m", "\x7f",
+           "\u202e\u2066\u200f", "\u200b\u2060\ufeff\u00ad", "\u2028\u2029", "\ufffe", "\ud7ff",
+           "\U0001f6eb", "\u00e9"]
+
+
+class ViewTest(CommandTest):
+
+    def view(self, *arguments, **options):
+        return self.run_command("view", "--settings", "rules.ini", *arguments, **options)
+
+    def page(self, message, status=1):
+        """The page of a message."""
+        result = self.view("-", stdin=message)
+        self.assertEqual(status, result.returncode, result.stderr)
+        return Page(result.stdout)
+
+
+class Message(ViewTest):
+
+    def test_fields_nest_in_text_and_tree(self):
+        page = self.page(GOOD, 0)
+        self.assertEqual(GOOD, page.message())
+        self.assertEqual(["-TITLE PLAN", "-ARCID ABC123", "-POINT -LEVEL F370", "-LEVEL F370"],
+                         [page.field_text(i) for i in range(4)])
+        self.assertEqual([[], [], [], [2]], [page.field_path(i) for i in range(4)])
+        self.assertEqual([("", "PLAN", "", "\u2713"), ("", "ARCID", "ABC123", "\u2713"),
+                          ("", "POINT", "", "\u2713"), ("", "LEVEL", "F370", "\u2713")],
+                         [page.row(i) for i in range(4)])
+        self.assertEqual(["1", "2", "2", "3"], [item["aria-level"] for item in page.items()])
+        self.assertEqual(["true", None, "true", None],
+                         [item["aria-expanded"] for item in page.items()])
+        self.assertEqual([], page.findings)
+
+    def test_keywords_are_told_from_data(self):
+        page = self.page(GOOD, 0)
+        self.assertEqual(["-TITLE PLAN", "-ARCID", "-POINT", "-LEVEL"],
+                         [b.text() for b in page.pre.all(kind="b")])
+
+    def test_findings_are_marked_and_listed(self):
+        page = self.page(REPORTED)
+        self.assertEqual("stray", page.marked(1))
+        self.assertEqual(("ignore word", "stray", "warning, line 1, column 13"), page.finding(1))
+        self.assertEqual("0", page.findings[0]["data-i"])
+
+    def test_findings_stand_in_text_order_with_their_lines(self):
+        page = self.page("-TITLE PLAN\r\n -ARCID ABC+1\r\nstray -WHAT 1\r\n")
+        self.assertEqual(["+1\nstray", "-WHAT"], [page.marked(i) for i in (1, 2)])
+        self.assertEqual(["line 2, column 12", "line 3, column 7"],
+                         [page.finding(i)[2].split(", ", 1)[1] for i in (1, 2)])
+
+    def test_unknown_field_is_told_in_words(self):
+        page = self.page("-TITLE PLAN -WHAT 1 2 -ARCID ABC\n")
+        self.assertEqual(("", "WHAT", "1 2", "unknown"), page.row(1))
+        self.assertEqual("-WHAT 1 2", page.field_text(1))
+        self.assertIn("unknown", page.root.one(id="t1").classes())
+        self.assertEqual("-WHAT", page.marked(1))
+        self.assertIn("1 unknown", page.root.one(of="counts").text())
+
+    def test_summary_counts(self):
+        def counts(message, status):
+            return [chip.text() for chip in self.page(message, status).root.all(of="chip")]
+
+        self.assertEqual(["2 fields", "1 unknown", "1 error", "1 warning"],
+                         counts("-TITLE PLAN stray -WHAT 1 -ARCID ABC\n", 1))
+        self.assertEqual(["1 field", "2 warnings"], counts("-TITLE PLAN a b -ARCID ABC\n", 1))
+        self.assertEqual(["3 fields", "nothing reported"], counts(GOOD, 0))
+        self.assertEqual(["1 error", "2 warnings"], counts(NO_TITLE, 2))
+
+    def test_finding_that_is_reported_again_is_counted(self):
+        message = "-TITLE PLAN -BEGIN A -BEGIN B - -X\n"
+        page = self.page(message)
+        self.assertEqual("-", page.marked(3))
+        self.assertEqual("warning, line 1, column 31, reported 3 times", page.finding(3)[2])
+
+
+class WithoutFields(ViewTest):
+
+    def test_page_has_text_findings_and_reason(self):
+        cases = [(NO_TITLE, 'there is no "-TITLE" in it', "No title"),
+                 ("", 'there is no "-TITLE" in it', "No title"),
+                 (NO_RULE, 'the rule set has no rule for the title "OTHER"', "OTHER")]
+        for message, reason, heading in cases:
+            with self.subTest(message=message):
+                result = self.view("-", stdin=message)
+                self.assert_ends(result, 2, "<stdin>: no fields: " + reason)
+                page = Page(result.stdout)
+                self.assertEqual(message, page.message())
+                self.assertEqual([], page.items())
+                self.assertIn(reason, page.root.one(of="failure").text())
+                self.assertEqual(heading, page.root.one(kind="h1").text())
+
+    def test_missing_title_is_marked_where_it_is_due(self):
+        page = self.page(NO_TITLE, 2)
+        texts = [page.finding(i)[0] for i in range(1, len(page.findings) + 1)]
+        number = texts.index("begin message (-TITLE) not found") + 1
+        self.assertEqual("-ARCID", page.marked(number))
+
+    def test_finding_without_a_place(self):
+        page = self.page("", 2)
+        self.assertEqual(("begin message (-TITLE) not found", "", "error"), page.finding(1))
+
+
+class Inert(ViewTest):
+    """Whatever is in a message, the page stays what it is."""
+
+    def test_policy_allows_its_own_style_and_script_and_nothing_else(self):
+        page = self.page(GOOD, 0)
+        self.assertEqual({"default-src": "'none'", "style-src": page.hash_of("style"),
+                          "script-src": page.hash_of("script"), "base-uri": "'none'",
+                          "form-action": "'none'"}, page.policy())
+
+    def test_page_refers_to_itself_alone(self):
+        page = self.page(REPORTED)
+        attributes = {name for element in page.root.all() for name in element.attributes
+                      if not name.startswith(("aria-", "data-"))}
+        self.assertEqual({"charset", "class", "content", "href", "http-equiv", "id", "lang", "name",
+                          "role", "tabindex", "title"}, attributes)
+        self.assertEqual({"#m1"}, {link["href"] for link in page.root.all(kind="a")})
+        for word in ("url(", "@import", "//"):
+            with self.subTest(word=word):
+                self.assertNotIn(word, page.root.one(kind="style").text())
+
+    def test_hostile_text_is_shown_as_text(self):
+        plain = self.page(GOOD, 0)
+        kinds = {element.name for element in plain.root.all()} | {"a", "i", "mark", "ol", "strong"}
+        messages = [f"{text} -TITLE PLAN {text} -ARCID {text} -{text} {text} -BEGIN {text} -END {text}\n"
+                    for text in HOSTILE]
+        everything = "".join(HOSTILE)
+        messages += [f"-TITLE {everything}", f"-BEGIN {everything}", everything]
+        for message in messages:
+            with self.subTest(message=message):
+                page = self.page(message, 1 if "PLAN" in message else 2)
+                self.assertLessEqual({element.name for element in page.root.all()}, kinds)
+                self.assertEqual(plain.hash_of("script"), page.hash_of("script"))
+                self.assertEqual(plain.hash_of("style"), page.hash_of("style"))
+                if message[:-1].isprintable():
+                    self.assertEqual(message, page.message())
+
+    def test_characters_that_cannot_be_seen_are_shown(self):
+        cases = [("\x00", "\u2400"), ("\x1b", "\u241b"), ("\x7f", "\u2421"), ("\x85", "U+0085"),
+                 ("\xa0", "U+00A0"), ("\xad", "U+00AD"), ("\u200b", "U+200B"), ("\u202e", "U+202E"),
+                 ("\u2067", "U+2067"), ("\u2028", "U+2028"), ("\u3164", "U+3164"),
+                 ("\ufe0f", "U+FE0F"), ("\ufeff", "U+FEFF"), ("\ufffe", "U+FFFE"),
+                 ("\U000e0041", "U+E0041"), ("\U000e0100", "U+E0100"), ("\ufffd", "\ufffd")]
+        for character, symbol in cases:
+            with self.subTest(symbol=symbol):
+                page = self.page(f"-TITLE PLAN -WHAT a{character}b -ARCID ABC")
+                shown = page.pre.one(of="symbol")
+                self.assertEqual((symbol, f"U+{ord(character):04X}"), (shown.text(), shown["title"]))
+                self.assertEqual(f"-WHAT a{symbol}b", page.field_text(1))
+                self.assertEqual(f"a{symbol}b", page.row(1)[2])
+
+    def test_other_characters_are_shown_as_they_are(self):
+        text = "\u00c4\u0416\u05d0\u4e2d\U0001f6eb \u00b0&\u20ac"
+        self.assertIn(text, self.page(f"-TITLE PLAN -WHAT {text}\n-ARCID ABC").field_text(1))
+
+    def test_bytes_that_are_no_text(self):
+        with open(self.path("bytes"), "wb") as file:
+            file.write(b"-TITLE PLAN -ARCID A\xff\xc0\x80\xed\xa0\x80B")
+        page = Page(self.view("bytes").stdout)
+        self.assertIn("\ufffd", page.field_text(1))
+        self.assertFalse([c for c in page.message() if unicodedata.category(c) == "Cs"])
+
+    def test_pair_of_units_is_never_cut(self):
+        page = self.page("-TITLE PLAN -ARCID ABC\U0001f6eb\n")
+        self.assertEqual("-ARCID ABC\U0001f6eb", page.field_text(1))
+
+    def test_names_are_text_as_well(self):
+        name = self.write("<b>\u202e&.adexp", GOOD)
+        page = Page(self.view(name).stdout)
+        self.assertEqual("<b>U+202E&.adexp", page.root.one(kind="p", of="name").text())
+
+    def test_mangled_messages_give_whole_pages(self):
+        pieces = random.Random(7)
+        originals = []
+        for folder in (SAMPLES, os.path.join(SAMPLES, "faulty")):
+            for name in sorted(os.listdir(folder)):
+                if name.endswith(".adexp"):
+                    with open(os.path.join(folder, name), encoding="utf-8") as file:
+                        originals.append(file.read())
+        for _ in range(50):
+            words = pieces.choice(originals).split(" ")
+            for _ in range(pieces.randrange(1, 12)):
+                change = pieces.choice(("-", "-BEGIN", "-END", "- -", "\n", "-END RTEPTS", "", *HOSTILE))
+                words[pieces.randrange(len(words))] = change
+            message = " ".join(words)
+            with self.subTest(message=message):
+                result = self.run_command("view", "-", stdin=message)
+                self.assertIn(result.returncode, (0, 1, 2))
+                page = Page(result.stdout)
+                if message.replace("\n", "").isprintable():
+                    self.assertEqual(message, page.message())
+
+    def test_huge_message(self):
+        message = "-TITLE PLAN" + " -WHAT <1>" * 10000 + " -ARCID " + "A" * 1000000
+        page = self.page(message)
+        self.assertEqual(message, page.message())
+        self.assertEqual(10001, len(page.findings))
+
+
+class Blocks(ViewTest):
+    """With the rule set in the library, which has blocks."""
+
+    def page(self, message, status=1):
+        result = self.run_command("view", "-", stdin=message)
+        self.assertEqual(status, result.returncode, result.stderr)
+        return Page(result.stdout)
+
+    def test_items_of_a_list_are_numbered(self):
+        page = self.page("-TITLE IFPL\n-BEGIN RTEPTS\n-PT -PTID AAA -FL F100\n-PT -PTID BBB\n"
+                         "-END RTEPTS\n-ARCID ABC", 0)
+        self.assertEqual([("", "RTEPTS"), ("1", "PT"), ("", "PTID"), ("", "FL"), ("2", "PT"),
+                          ("", "PTID"), ("", "ARCID")], [page.row(i)[:2] for i in range(1, 8)])
+        self.assertEqual("-BEGIN RTEPTS\n-PT -PTID AAA -FL F100\n-PT -PTID BBB\n-END RTEPTS",
+                         page.field_text(1))
+        self.assertEqual(["-TITLE IFPL", "-BEGIN RTEPTS", "-PT", "-PTID", "-FL", "-PT", "-PTID",
+                          "-END RTEPTS", "-ARCID"], [b.text() for b in page.pre.all(kind="b")])
+
+    def test_compound_field_that_nothing_follows(self):
+        page = self.page("-TITLE IFPL -ORIGIN -NETWORKTYPE AFTN -FAC ABC\n\n", 0)
+        self.assertEqual("-ORIGIN -NETWORKTYPE AFTN -FAC ABC", page.field_text(1))
+
+    def test_keyword_alone_at_the_end(self):
+        self.assertEqual("-ORIGIN", self.page("-TITLE IFPL -ORIGIN\n", 0).field_text(1))
+
+    def test_block_without_end_inside_a_block(self):
+        page = self.page("-TITLE IFPL -BEGIN RTEPTS -BEGIN ADDR A B -END RTEPTS -ARCID ABC")
+        self.assertEqual("-BEGIN ADDR", page.marked(1))
+        self.assertEqual(("1", "ADDR", "unknown"), page.row(2)[:2] + page.row(2)[3:])
+        self.assertEqual([1], page.field_path(2))
+
+
+class Output(ViewTest):
+
+    def test_page_goes_to_the_file(self):
+        message = self.write("plan", GOOD)
+        result = self.view(message, "-o", "plan.html")
+        self.assert_ends(result, 0)
+        self.assertEqual("", result.stdout)
+        self.assertEqual(self.view(message).stdout, self.read("plan.html"))
+        self.assertEqual(self.read("plan.html"), self.view(message, "-o", "-").stdout)
+
+    def test_message_is_never_replaced(self):
+        os.symlink(self.write("plan", GOOD), self.path("link"))
+        for output in ("plan", "./plan", "link"):
+            with self.subTest(output=output):
+                self.assert_ends(self.view("plan", "-o", output), 2, "would replace the message")
+                self.assertEqual(GOOD, self.read("plan"))
+
+    def test_reports_go_to_standard_error_as_well(self):
+        result = self.view(self.write("plan", REPORTED), "-o", "plan.html")
+        self.assert_ends(result, 1, 'plan: "ignore word" "stray"')
+
+    def test_failures_are_told_with_a_remedy(self):
+        self.write("plan", GOOD)
+        os.mkdir(self.path("folder"))
+        cases = [
+            (("gone",), "gone: no page: cannot be read: No such file"),
+            (("folder",), "folder: no page: is a folder"),
+            (("plan", "-o", "gone/plan.html"), "gone/plan.html: cannot be written: "),
+            (("plan", "-o", "folder"), "folder: cannot be written: "),
+        ]
+        for arguments, text in cases:
+            with self.subTest(text=text):
+                result = self.view(*arguments)
+                self.assert_ends(result, 2, text)
+                self.assertEqual("", result.stdout)
+
+    def test_rule_set_that_is_not_there(self):
+        result = self.run_command("view", "--settings", "gone.ini", "-", stdin=GOOD)
+        self.assert_ends(result, 2, "gone.ini: the settings file cannot be read")
+        self.assertEqual("", result.stdout)
+
+    def test_full_standard_output_is_told(self):
+        with open("/dev/full", "w", encoding="utf-8") as full:
+            result = self.view("-", stdin=GOOD, stdout=full)
+        self.assert_ends(result, 2, "standard output cannot be written: No space left on device")
+
+    def test_help_has_an_example_and_the_exit_status(self):
+        result = self.run_command("view", "--help")
+        self.assert_ends(result, 0)
+        self.assertIn("adexp view plan.adexp -o plan.html", result.stdout)
+        self.assertIn("Exit status:", result.stdout)
+
+
+if __name__ == "__main__":
+    main()

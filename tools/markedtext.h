@@ -1,0 +1,56 @@
+#ifndef MARKEDTEXT_H
+#define MARKEDTEXT_H
+
+#include "fieldstretches.h"
+#include "messagefindings.h"
+
+#include <QStringView>
+
+#include <string>
+#include <vector>
+
+/// The text of a message as HTML, with its fields and findings marked.
+///
+/// A field is a <span class="field" id="tN" data-i="N">, N being its index, with the
+/// class "group" if there are fields in it; fields nest as they do in the message. Of the root,
+/// which covers the whole text, only the keyword and the title are in its span. Keywords are <b>. A
+/// finding is a <mark data-f="N">, N being its number from 1. It may begin in one field and end in
+/// another, so it is put together from pieces inside of them; the first one has the id "mN".
+class MarkedText
+{
+public:
+    /// The text of @p places is @p text; both must stay, as must @p fields (empty if there are
+    /// none) and @p findings.
+    MarkedText(QStringView text, const TextPlaces& places, const FieldStretches& fields,
+               const std::vector<MessageFindings::Counted>& findings);
+
+    /// The HTML. To be called once.
+    std::string html();
+
+private:
+    // A stretch of the text with the findings that all of it belongs to.
+    struct Run
+    {
+        int end;
+        std::vector<size_t> findings; // indexes
+    };
+
+    void splitIntoRuns(const TextPlaces& places);
+    void openField(size_t index);
+    void closeField();
+    void writeKeyword(int begin, int end);
+    void writeUntil(int position);
+    void openMark(size_t finding);
+
+    QStringView m_text;
+    const FieldStretches& m_fields;
+    const std::vector<MessageFindings::Counted>& m_findings;
+    std::vector<Run> m_runs;
+    std::vector<bool> m_isBegun;            // for each finding: its first piece is written
+    std::vector<size_t> m_open;             // indexes of the fields whose elements are open
+    std::vector<Run>::const_iterator m_run; // the one that holds m_position
+    int m_position = 0;                     // the text before it is written
+    std::string m_html;
+};
+
+#endif

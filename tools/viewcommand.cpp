@@ -1,0 +1,113 @@
+#include "viewcommand.h"
+
+#include "adexpdoc.h"
+#include "adexplib.h"
+#include "commandline.h"
+#include "console.h"
+#include "conversion.h"
+#include "diagnosticcollector.h"
+#include "inputfile.h"
+#include "mainclass.h"
+#include "messagefindings.h"
+#include "messagepage.h"
+#include "outputfile.h"
+
+#include <CLI/CLI.hpp>
+
+#include <filesystem>
+
+namespace {
+
+constexpr const char* Footer =
+    "One HTML page for a browser, which needs no network: the text of the message with its\n"
+    "fields and findings marked, the tree of fields, and the list of findings. A message\n"
+    "without -TITLE, or without a rule for its title, gives a page without fields and the\n"
+    "exit status 2. Reports go to standard error as well. \"-\" reads standard input.\n"
+    "\n"
+    "Examples:\n"
+    "  adexp view plan.adexp -o plan.html\n"
+    "  adexp view --settings my.ini - < plan.adexp > plan.html\n";
+
+// Why the page must not be written to output; empty if it may.
+std::string checkOutput(const ViewOptions& options)
+{
+    std::error_code error;
+    if (std::filesystem::equivalent(options.output, options.file, error))
+        return "the page would replace the message; choose another -o";
+    return {};
+}
+
+bool writePage(const ViewOptions& options, const std::string& page)
+{
+    if (options.output.empty()) {
+        StandardOutput out;
+        out.write(page);
+        return out.flush();
+    }
+    if (const std::string error = writeFile(options.output, page); !error.empty()) {
+        printError(options.output,
+                   "cannot be written: " + error +
+                       "; check the name, the permissions and the room on the disk");
+        return false;
+    }
+    return true;
+}
+
+ExitCode view(const ViewOptions& options, const std::string& message)
+{
+    const std::string name = displayName(options.file);
+    const DiagnosticCollector diagnostics{std::string_view(name)};
+    MessageFindings findings;
+    AdexpDoc doc(QString::fromUtf8(message.data(), static_cast<int>(message.size())));
+    doc.setRootField(&mc->msgRules);
+    doc.parse();
+
+    PageFacts facts{name, options.settings, {}};
+    if (!doc.rootField || !doc.rootField->fieldTerm)
+        facts.failure = whyNotConverted(message);
+    if (!writePage(options, MessagePage(doc, findings, facts).html()))
+        return ExitCode::NotDone;
+    if (!facts.failure.empty()) {
+        printError(name, "no fields: " + facts.failure);
+        return ExitCode::NotDone;
+    }
+    return diagnostics.count() == 0 ? ExitCode::Success : ExitCode::WithDiagnostics;
+}
+
+ExitCode runComplete(const ViewOptions& options)
+{
+    if (const std::string error = checkOutput(options); !error.empty()) {
+        printError(options.output, "cannot be written: " + error);
+        return ExitCode::NotDone;
+    }
+    std::string message;
+    if (const std::string error = readInput(options.file, &message); !error.empty()) {
+        printError(displayName(options.file), "no page: " + error);
+        return ExitCode::NotDone;
+    }
+    const RuleSet rules(options.settings);
+    return rules.isLoaded() ? worse(rules.status(), view(options, message)) : rules.status();
+}
+
+} // namespace
+
+CLI::App* addViewCommand(CLI::App* app, ViewOptions* options)
+{
+    CLI::App* const command =
+        app->add_subcommand("view", "Show a message and its findings as an HTML page");
+    addFooter(command, Footer);
+    addSettingsOption(command, &options->settings);
+    addTextOption(command, "-o,--output", &options->output,
+                  "Write the page to FILE. \"-\", and no -o, is standard output")
+        ->type_name("FILE");
+    command->add_option("FILE", options->file, "Message")->type_name("")->required();
+    return command;
+}
+
+ExitCode runView(const ViewOptions& options)
+{
+    ViewOptions complete = options;
+    if (complete.output == "-")
+        complete.output.clear();
+    return runComplete(complete);
+}
