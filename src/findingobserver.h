@@ -17,6 +17,7 @@ enum class FindingKind {
     Cause,       ///< look here
     UnknownName, ///< the detail is a name that no definition has, perhaps for a reason that another
                  ///< finding gives
+    Loop,        ///< the detail is a name by way of which the definition refers to itself
     Consequence, ///< of another finding; it would not be there without it
 };
 

@@ -577,7 +577,8 @@ QString TermExpression::get_term(const QChar& open, const QChar& close, QString*
             if (isNumber)
                 *minCount = number;
             else if (isDecimal(*pendingWord))
-                reportTooLargeCount(*pendingWord, QObject::tr(" and is taken for a name"));
+                reportTooLargeCount(ExprRuleStr.constData() + m_wordBegin, *pendingWord,
+                                    QObject::tr(" and is taken for a name"));
         }
         if (isNumber)
             pendingWord->clear();
@@ -638,14 +639,16 @@ int TermExpression::readMaxCount()
     bool fits = false;
     const int count = digits.toInt(&fits);
     if (!fits)
-        reportTooLargeCount(digits, QObject::tr(" and counts as 0"));
+        reportTooLargeCount(begin, digits, QObject::tr(" and counts as 0"));
     return fits ? count : 0;
 }
 
-void TermExpression::reportTooLargeCount(const QString& digits, const QString& outcome) const
+void TermExpression::reportTooLargeCount(const QChar* place, const QString& digits,
+                                         const QString& outcome) const
 {
-    configErrorMessage(
-        QObject::tr("repeat count %1 is larger than %2").arg(digits).arg(MaxRepeatCount) + outcome);
+    errorAt(place,
+            QObject::tr("repeat count %1 is larger than %2").arg(digits).arg(MaxRepeatCount) +
+                outcome);
 }
 
 void TermExpression::append_operator(const QString& nextTermText)

@@ -115,7 +115,8 @@ private:
                      int* maxCount);
     bool collectPart(QChar open, QChar close, QString* inner);
     int readMaxCount();
-    void reportTooLargeCount(const QString& digits, const QString& outcome) const;
+    void reportTooLargeCount(const QChar* place, const QString& digits,
+                             const QString& outcome) const;
     void append_operator(const QString& nextTermText);
     void append_variable(const ConfigInfo* record);
     void appendPendingWord(QString* pendingWord);

@@ -53,7 +53,9 @@ bool TermVariable::check_config(const TermList* termsList)
 {
     if (loopGuard) {
         // `valid` stays: the call that is under way decides about it.
-        configErrorMessage(QObject::tr("loop detected in the variables"));
+        Finding finding;
+        finding.kind = FindingKind::Loop;
+        configErrorMessage(QObject::tr("loop detected in the variables"), finding);
         return false;
     }
     if (simpleTerm)

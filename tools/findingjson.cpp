@@ -39,5 +39,14 @@ QJsonObject findingJson(const Finding& finding)
 
 std::string jsonLine(const QJsonObject& object)
 {
-    return QJsonDocument(object).toJson(QJsonDocument::Compact).toStdString() + '\n';
+    // QJsonDocument escapes the control characters below the blank only.
+    const QString json = QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
+    QString line;
+    for (const QChar c : json) {
+        if (c.category() == QChar::Other_Control)
+            line += QStringLiteral("\\u%1").arg(c.unicode(), 4, 16, QLatin1Char('0'));
+        else
+            line += c;
+    }
+    return line.toStdString() + '\n';
 }

@@ -126,7 +126,7 @@ std::unique_ptr<TermStd> compile(const std::string& text)
     }
     if (term && !term->check_config(&mc->termsList))
         term.reset();
-    if (!term)
+    if (!errors.first.text.isEmpty())
         printExpressionError(record.ruleText.simplified(), errors.first);
     return term;
 }
@@ -151,9 +151,9 @@ TermStd* findDefinition(const std::string& name)
 
 ExitCode match(const MatchOptions& options)
 {
-    const QString text = QString::fromStdString(options.arguments.back());
+    const QString text = QString::fromStdString(options.second ? *options.second : *options.first);
     if (options.expression.empty()) {
-        TermStd* const definition = findDefinition(options.arguments.front());
+        TermStd* const definition = findDefinition(*options.first);
         return definition ? show(definition, text, options.isJson) : ExitCode::NotDone;
     }
     const std::unique_ptr<TermStd> term = compile(options.expression);
@@ -171,20 +171,19 @@ CLI::App* addMatchCommand(CLI::App* app, MatchOptions* options)
     addFormatOption(command, &options->isJson);
     addTextOption(command, "--expr", &options->expression, "Expression to match with, not a NAME")
         ->type_name("EXPR");
-    command->add_option("NAME TEXT", options->arguments, "Definition, and data of it")
-        ->type_name("")
-        ->required();
+    command->add_option("NAME", options->first, "Definition; none with --expr")->type_name("");
+    command->add_option("TEXT", options->second, "Data")->type_name("");
     return command;
 }
 
 ExitCode runMatch(const MatchOptions& options)
 {
-    const std::size_t expected = options.expression.empty() ? 2 : 1;
-    if (options.arguments.size() != expected) {
-        printError(CommandName, expected == 2
-                                    ? "match takes a NAME and a TEXT; see adexp match --help"
-                                    : "with --expr match takes a TEXT and nothing else; "
-                                      "see adexp match --help");
+    const bool hasExpression = !options.expression.empty();
+    if (!options.first || options.second.has_value() == hasExpression) {
+        printError(CommandName,
+                   hasExpression
+                       ? "with --expr match takes a TEXT and no NAME; see adexp match --help"
+                       : "match takes a NAME and a TEXT; see adexp match --help");
         return ExitCode::Usage;
     }
     const RuleSet rules(options.settings);

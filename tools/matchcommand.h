@@ -4,8 +4,8 @@
 #include "exitcodes.h"
 #include "ruleset.h"
 
+#include <optional>
 #include <string>
-#include <vector>
 
 namespace CLI {
 class App;
@@ -16,7 +16,8 @@ struct MatchOptions
 {
     std::string settings = BuiltInSettings; ///< settings file of the rule set
     std::string expression;                 ///< an expression in place of a name; empty: a name
-    std::vector<std::string> arguments;     ///< NAME and TEXT; with an expression, TEXT
+    std::optional<std::string> first;       ///< NAME; with an expression, TEXT
+    std::optional<std::string> second;      ///< TEXT; with an expression, nothing
     bool isJson = false;                    ///< the result as a JSON object
 };
 

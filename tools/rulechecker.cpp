@@ -59,6 +59,13 @@ QStringList wordsOf(const QString& expression)
     return words;
 }
 
+// All that may be a name in the expression of the record, which may be null.
+QStringList namesIn(const RuleRecord* record)
+{
+    const SourceText* const expression = record ? record->expression() : nullptr;
+    return expression ? wordsOf(expression->text.toUpper()) : QStringList();
+}
+
 } // namespace
 
 RuleChecker::RuleChecker(QSettings* settings)
@@ -135,6 +142,7 @@ const RuleRecord* RuleChecker::recordOf(const ConfigInfo& info) const
 
 void RuleChecker::keepCauses(const std::vector<Finding>& all)
 {
+    int loops = 0;
     for (const Finding& finding : all) {
         if (finding.kind == FindingKind::Consequence || followsFromAnother(finding))
             continue;
@@ -144,6 +152,8 @@ void RuleChecker::keepCauses(const std::vector<Finding>& all)
                           QLatin1String(" of the group [rules]");
         if (cause.kind == FindingKind::UnknownName)
             cause.text += hintFor(cause);
+        if (cause.kind == FindingKind::Loop && loops++ < MostHints)
+            cause.text += loopHint(cause.record.recordName, cause.detail);
         keep(cause);
     }
 }
@@ -174,6 +184,27 @@ QString RuleChecker::hintFor(const Finding& unknownName)
     return m_nearest.value(name);
 }
 
+// The shortest way from the definition by way of the other back to itself.
+QString RuleChecker::loopHint(const QString& name, const QString& by) const
+{
+    QHash<QString, QString> cameFrom{{by, name}};
+    QStringList toFollow{by};
+    while (!toFollow.isEmpty() && !cameFrom.contains(name)) {
+        const QString current = toFollow.takeFirst();
+        for (const QString& next : namesIn(m_byName.value(current))) {
+            if (!cameFrom.contains(next)) {
+                cameFrom.insert(next, current);
+                toFollow.append(next);
+            }
+        }
+    }
+    QStringList way{name};
+    for (QString at = cameFrom.value(name); !at.isEmpty() && at != name; at = cameFrom.value(at))
+        way.prepend(at);
+    way.prepend(name);
+    return QLatin1String("; the circle is ") + way.join(QLatin1String(" > "));
+}
+
 // Empty if no name is so near that it may have been meant.
 QString RuleChecker::nearestHint(const std::string& name) const
 {
@@ -188,10 +219,8 @@ void RuleChecker::keep(Finding finding)
 {
     ConfigInfo& place = finding.record;
     if (const RuleRecord* const record = recordOf(place)) {
-        const SourceText* const expression = record->expression();
-        SourcePlace exact = record->place;
-        if (finding.begin >= 0 && expression && expression->place.line > 0)
-            exact = expression->placeInExpression(finding.begin);
+        const SourcePlace exact =
+            finding.begin < 0 ? record->place : placeInExpression(record, finding.begin);
         if (exact.line > 0) {
             place.lineNumber = exact.line;
             place.columnNumber = exact.column;
@@ -200,6 +229,21 @@ void RuleChecker::keep(Finding finding)
         place.setXMLFile(m_settingsFile);
     }
     m_findings.push_back(std::move(finding));
+}
+
+// That of the record if the place in it is not known.
+SourcePlace RuleChecker::placeInExpression(const RuleRecord* record, int position)
+{
+    const SourceText* const expression = record->expression();
+    if (!expression)
+        return record->place;
+    auto places = m_expressionPlaces.find(record);
+    if (places == m_expressionPlaces.end())
+        places = m_expressionPlaces.emplace(record, expression->placesInExpression()).first;
+    if (places->second.empty())
+        return expression->place;
+    const std::size_t last = places->second.size() - 1;
+    return places->second[std::min(static_cast<std::size_t>(position), last)];
 }
 
 void RuleChecker::findUnused()
@@ -218,10 +262,8 @@ void RuleChecker::findUnused()
     for (const MsgRule* rule : m_rules.msgRules)
         useAll(referencesOf(rule));
     // What was left out might use anything that it names.
-    for (const RuleRecord* record : m_refused) {
-        if (const SourceText* const expression = record->expression())
-            useAll(wordsOf(expression->text.toUpper()));
-    }
+    for (const RuleRecord* record : m_refused)
+        useAll(namesIn(record));
     while (!toFollow.isEmpty()) {
         if (const TermStd* const term = m_rules.termsList.search(toFollow.takeLast()))
             useAll(referencesOf(term));

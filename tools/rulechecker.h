@@ -10,6 +10,7 @@
 
 #include <set>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 class QSettings;
@@ -47,8 +48,10 @@ private:
     void readRecords(const QSettings& settings);
     void keepCauses(const std::vector<Finding>& all);
     void keep(Finding finding);
+    SourcePlace placeInExpression(const RuleRecord* record, int position);
     bool followsFromAnother(const Finding& finding) const;
     QString hintFor(const Finding& unknownName);
+    QString loopHint(const QString& name, const QString& by) const;
     QString nearestHint(const std::string& name) const;
     void findUnused();
     void checkExamples();
@@ -69,8 +72,9 @@ private:
     QHash<QString, const RuleRecord*> m_byName;  // definitions only; the one that counts
     QHash<QString, const RuleRecord*> m_byPlace; // as findings of the library give it
     std::set<const RuleRecord*> m_refused;       // neither switched off nor loaded
-    std::vector<std::string> m_names;            // all that an expression may refer to
-    QHash<QString, QString> m_nearest;           // hints given before
+    std::unordered_map<const RuleRecord*, std::vector<SourcePlace>> m_expressionPlaces; // asked for
+    std::vector<std::string> m_names;  // all that an expression may refer to
+    QHash<QString, QString> m_nearest; // hints given before
     std::vector<Finding> m_findings;
 };
 

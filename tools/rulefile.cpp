@@ -170,30 +170,28 @@ RuleRecord recordOf(const QDomElement& element, const QString& file)
 
 } // namespace
 
-SourcePlace SourceText::placeInExpression(int position) const
+std::vector<SourcePlace> SourceText::placesInExpression() const
 {
+    std::vector<SourcePlace> result;
     if (places.empty())
-        return place;
-    // Which unit of the text each unit of the simplified upper-case text comes from.
-    int simplified = 0;
+        return result;
     bool blankIsDue = false;
     for (int i = 0; i < text.size();) {
-        const int length =
-            text.at(i).isHighSurrogate() && i + 1 < text.size() && text.at(i + 1).isLowSurrogate()
-                ? 2
-                : 1;
+        const bool isPair =
+            text.at(i).isHighSurrogate() && i + 1 < text.size() && text.at(i + 1).isLowSurrogate();
+        const int length = isPair ? 2 : 1;
+        const SourcePlace here = places[static_cast<std::size_t>(i)];
         if (text.at(i).isSpace()) {
-            blankIsDue = simplified > 0;
+            blankIsDue = !result.empty();
         } else {
-            simplified += (blankIsDue ? 1 : 0);
+            const auto units = text.mid(i, length).toUpper().size() + (blankIsDue ? 1 : 0);
+            result.insert(result.end(), static_cast<std::size_t>(units), here);
             blankIsDue = false;
-            simplified += static_cast<int>(text.mid(i, length).toUpper().size());
-            if (simplified > position)
-                return places[static_cast<std::size_t>(i)];
         }
         i += length;
     }
-    return places.back();
+    result.push_back(places.back());
+    return result;
 }
 
 SourceText SourceText::trimmed() const

@@ -20,9 +20,10 @@ struct SourceText
     std::vector<SourcePlace> places; ///< of each UTF-16 unit of the text, and of what follows it;
                                      ///< empty if they are not known
 
-    /// The place of the unit at @p position of the text after QString::toUpper() and
-    /// QString::simplified(), which is the form that expressions are compiled from.
-    SourcePlace placeInExpression(int position) const;
+    /// The place of each UTF-16 unit of the text after QString::toUpper() and
+    /// QString::simplified(), which is the form that expressions are compiled from, and of what
+    /// follows it; empty if they are not known.
+    std::vector<SourcePlace> placesInExpression() const;
 
     /// The text without white space at both ends, with the place of its first character.
     SourceText trimmed() const;

@@ -134,8 +134,9 @@ void TermWarnings::checkSequence(const TermExpression* sequence)
             taken = CharSet(); // whether the two were there is not known
         } else if (!facts.canMatch) {
             if (step->type() == TermTypeNil && steps.size() > 1)
-                warn(step, QStringLiteral("NIL takes nothing, so a sequence with it never "
-                                          "matches; leave it out"));
+                warn(step, isRequired ? QStringLiteral("NIL takes nothing, so a sequence with it "
+                                                       "never matches; leave it out")
+                                      : QStringLiteral("NIL takes nothing; leave it out"));
             if (isRequired)
                 return;
         } else if (!taken.isEmpty() && taken.contains(facts.first)) {

@@ -6,7 +6,7 @@ from commandtest import CommandTest, main
 class Help(CommandTest):
 
     def test_every_help_has_an_example_and_the_exit_codes(self):
-        for subcommand in ([], ["convert"], ["tree"], ["dump"]):
+        for subcommand in ([], ["convert"], ["tree"], ["check"], ["explain"], ["match"], ["dump"]):
             with self.subTest(subcommand=subcommand):
                 result = self.run_command(*subcommand, "--help")
                 self.assert_ends(result, 0)

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Holds what README.md shows against the files, the command and the C example.
+"""Holds what README.md and docs/command.md show against the files, the command and the C example.
 
     readme_test.py ADEXP CONVERT_EXAMPLE
 
@@ -17,19 +17,21 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[2]
 README = (ROOT / "README.md").read_text(encoding="utf-8")
+# The pages whose console blocks are run, with the files that they show.
+PAGES = README + (ROOT / "docs/command.md").read_text(encoding="utf-8")
 SAMPLE = ROOT / "samples" / "rfi-ready-for-improvement.adexp"
 # Scripts that build: they do not belong into a test.
 BUILDING = ("./run", "./test")
 
 
 def blocks(kind):
-    return re.findall(rf"^```{kind}\n(.*?)^```$", README, re.MULTILINE | re.DOTALL)
+    return re.findall(rf"^```{kind}\n(.*?)^```$", PAGES, re.MULTILINE | re.DOTALL)
 
 
 def named_files():
     """The blocks whose paragraph in front begins or goes on, after a comma, with the name of a file."""
     pattern = r"^(?:[^\n]*, )?`(\w+\.\w+)`[^\n]*(?:\n[^\n]+)*\n\n```(?:ini|xml|text)\n(.*?)^```$"
-    return dict(re.findall(pattern, README, re.MULTILINE | re.DOTALL))
+    return dict(re.findall(pattern, PAGES, re.MULTILINE | re.DOTALL))
 
 
 def console_steps(block):
@@ -102,8 +104,9 @@ class Readme(unittest.TestCase):
         return folder.name
 
     def test_first_rule_set_is_complete(self):
-        self.assertEqual(sorted(named_files()), ["adexp.ini", "plan.adexp", "primary.xml",
-                                                 "rules.xml", "simple.xml", "sub.xml"])
+        self.assertEqual(sorted(named_files()), ["adexp.ini", "faulty.ini", "faulty.xml",
+                                                 "plan.adexp", "primary.xml", "rules.xml",
+                                                 "simple.xml", "sub.xml"])
 
     def test_commands_print_what_is_shown(self):
         folder = self.folder_of_examples()
@@ -153,7 +156,7 @@ class Readme(unittest.TestCase):
                     self.assertTrue(any(piece in text for text in texts))
 
     def test_links_lead_somewhere(self):
-        for name in ("README.md", "CONTRIBUTING.md", "CHANGELOG.md", "docs/guide.md"):
+        for name in ("README.md", "CONTRIBUTING.md", "CHANGELOG.md", "docs/guide.md", "docs/command.md"):
             page = ROOT / name
             text = page.read_text(encoding="utf-8")
             for file, anchor in re.findall(r"\]\((?!https:)([^)#]*)#?([^)]*)\)", text):

@@ -294,7 +294,8 @@ TEST(RuleSetLoading, ReportsNothing)
 TEST(RuleSetChecking, FindsNothing)
 {
     QSettings settings(SettingsPath, QSettings::IniFormat);
-    for (const Finding& finding : RuleChecker(&settings).findings())
+    const RuleChecker checker(&settings);
+    for (const Finding& finding : checker.findings())
         ADD_FAILURE() << finding.record.xmlFile.toStdString() << ':' << finding.record.lineNumber
                       << ": " << finding.text.toStdString();
 }

@@ -224,6 +224,9 @@ INSTANTIATE_TEST_SUITE_P(
                     PositionCase{"ALPHA | DIGIT ALPHA", "automatic priority", "ALPHA"},
                     PositionCase{"(ALPHA DIGIT | ( ALPHA))", "automatic priority", "( ALPHA))"},
                     PositionCase{"ALPHA ! (3{ DIGIT }2)", "minimum repeat count", "DIGIT }2)"},
+                    PositionCase{"ALPHA ! {DIGIT} 2147483648", "repeat count", "2147483648"},
+                    PositionCase{"ALPHA ! (2147483648 {DIGIT})", "repeat count",
+                                 "2147483648 {DIGIT})"},
                     PositionCase{"ALPHA ! {SEP}2", "in adexp the number", "SEP}2"}));
 
 TEST(FindingObservers, TheInnermostOneIsTold)

@@ -60,8 +60,9 @@ TEST_P(PlaceInAnExpression, IsThatOfTheFile)
     const auto records = read(QByteArray("<!DOCTYPE r [<!ENTITY e 'XY'>]><r><simpleTerm>\n<term>") +
                               GetParam().term + "</term></simpleTerm></r>");
     ASSERT_EQ(records.size(), 1U);
-    EXPECT_EQ(text(records[0].expression()->placeInExpression(GetParam().position)),
-              GetParam().place);
+    const auto places = records[0].expression()->placesInExpression();
+    ASSERT_GT(places.size(), static_cast<std::size_t>(GetParam().position));
+    EXPECT_EQ(text(places[static_cast<std::size_t>(GetParam().position)]), GetParam().place);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -79,7 +80,7 @@ INSTANTIATE_TEST_SUITE_P(
         PlaceCase{"LongerInUpperCase", "\xC3\x9F B", 3, "2:9"},
         PlaceCase{"Entity", "A &e; B", 2, "2:9"}, PlaceCase{"InsideEntity", "A &e; B", 3, "2:9"},
         PlaceCase{"OtherLetters", "\xD0\x90 B", 2, "2:9"}),
-    [](const auto& info) { return std::string(info.param.name); });
+    [](const auto& testCase) { return std::string(testCase.param.name); });
 
 TEST(RuleFile, HasExamplesWithoutTheSpaceAroundThem)
 {
@@ -92,7 +93,7 @@ TEST(RuleFile, HasExamplesWithoutTheSpaceAroundThem)
     const SourceText example = records[0].parts[0].content.trimmed();
     EXPECT_EQ(example.text, QStringLiteral("A B"));
     EXPECT_EQ(text(example.place), "3:3");
-    EXPECT_EQ(text(example.placeInExpression(2)), "3:5");
+    EXPECT_EQ(text(example.placesInExpression().at(2)), "3:5");
     EXPECT_EQ(text(records[0].parts[1].content.trimmed().place), "4:21");
 }
 
@@ -101,7 +102,7 @@ TEST(RuleFile, InAnotherEncodingHasNoPlaces)
     const auto records = read(QByteArray("<?xml version='1.0' encoding='ISO-8859-1'?>\n"
                                          "<r><simpleTerm><term>A \xE9</term></simpleTerm></r>"));
     ASSERT_EQ(records.size(), 1U);
-    EXPECT_TRUE(records[0].expression()->places.empty());
+    EXPECT_TRUE(records[0].expression()->placesInExpression().empty());
 }
 
 TEST(RuleFile, ThatCannotBeReadHasNoRecords)

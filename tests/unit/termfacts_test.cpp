@@ -181,7 +181,7 @@ TEST(TermFactsTable, NeedsNoTimeForManyPathsThroughDefinitions)
 {
     TermSet terms;
     const DiagnosticCapture notWanted;
-    for (const QString letter : {QStringLiteral("A"), QStringLiteral("B")}) {
+    for (const QString& letter : {QStringLiteral("A"), QStringLiteral("B")}) {
         for (int i = 0; i < 60; ++i)
             terms.define(
                 letter + QString::number(i),

@@ -134,6 +134,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Case{"ALPHA ! NIL",
                          {"NIL takes nothing, so a sequence with it never matches; leave it "
                           "out @ NIL"}},
+                    Case{"ALPHA ! [NIL]", {"NIL takes nothing; leave it out @ NIL]"}},
                     Case{"NIL", {}},
                     Case{"ALPHA ! {DIGIT}0",
                          {"matches nothing, as its maximum count is 0 "
