@@ -2,6 +2,8 @@
 
 #include "termexpression.h"
 
+#include <QObject>
+
 #include <algorithm>
 
 DefinitionNesting::DefinitionNesting(const TermList* terms) : m_terms(terms) {}
@@ -44,6 +46,21 @@ DefinitionNesting::Extent DefinitionNesting::extentOf(const TermStd* term)
 }
 
 // Brackets are bounded by the compiler, so this recursion is.
+bool DefinitionNesting::isWithinLimits(const TermStd* term)
+{
+    const Extent extent = extentOf(term);
+    if (extent.depth > TermExpression::MaxNesting) {
+        term->configErrorMessage(TermExpression::nestedTooDeepText());
+        return false;
+    }
+    if (extent.terms > MaxTerms) {
+        term->configErrorMessage(
+            QObject::tr("references written out come to more than %1 terms").arg(MaxTerms));
+        return false;
+    }
+    return true;
+}
+
 void DefinitionNesting::collect(const TermStd* term, int level, Definition* definition)
 {
     Extent& extent = definition->extent;

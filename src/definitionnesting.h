@@ -36,6 +36,10 @@ public:
     /// counted (a loop, which the check reports) counts as nothing.
     Extent extentOf(const TermStd* term);
 
+    /// False, after a report, if @p term (not null) nests so deep, or comes to so much, that it is
+    /// not safe to check it.
+    bool isWithinLimits(const TermStd* term);
+
 private:
     struct Reference
     {

@@ -77,23 +77,6 @@ void appendTo(NamedList<Item>* list, std::unique_ptr<Item> item)
     static_cast<void>(item.release()); // only now, since append() may throw
 }
 
-// False, after a report, if the definition nests so deep, or comes to so much, that checking it is
-// not safe.
-bool isWithinLimits(const TermStd* term, DefinitionNesting* nesting)
-{
-    const DefinitionNesting::Extent extent = nesting->extentOf(term);
-    if (extent.depth > TermExpression::MaxNesting) {
-        term->configErrorMessage(TermExpression::nestedTooDeepText());
-        return false;
-    }
-    if (extent.terms > DefinitionNesting::MaxTerms) {
-        term->configErrorMessage(QObject::tr("references written out come to more than %1 terms")
-                                     .arg(DefinitionNesting::MaxTerms));
-        return false;
-    }
-    return true;
-}
-
 } // namespace
 
 MainClass::MainClass(QObject* parent) : QObject(parent) {}
@@ -267,7 +250,7 @@ void MainClass::termsList_checkConfig()
     DefinitionNesting nesting(&termsList);
     qDeleteAll(termsList.takeUnless([this, &nesting](TermStd* term) {
         if (!term->configChecked) {
-            if (!isWithinLimits(term, &nesting) || !term->check_config(&termsList)) {
+            if (!nesting.isWithinLimits(term) || !term->check_config(&termsList)) {
                 Finding finding;
                 finding.kind = FindingKind::Consequence;
                 // Two blanks; this is meant.

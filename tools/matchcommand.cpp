@@ -119,12 +119,8 @@ std::unique_ptr<TermStd> compile(const std::string& text)
     const DiagnosticCollector silent([](const QString&) {});
     FirstFinding errors;
     std::unique_ptr<TermStd> term(TermExpression::append_expression(&record, true));
-    if (term &&
-        DefinitionNesting(&mc->termsList).depthOf(term.get()) > TermExpression::MaxNesting) {
-        term->configErrorMessage(TermExpression::nestedTooDeepText());
-        term.reset();
-    }
-    if (term && !term->check_config(&mc->termsList))
+    if (term && (!DefinitionNesting(&mc->termsList).isWithinLimits(term.get()) ||
+                 !term->check_config(&mc->termsList)))
         term.reset();
     if (!errors.first.text.isEmpty())
         printExpressionError(record.ruleText.simplified(), errors.first);
