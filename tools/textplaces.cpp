@@ -37,6 +37,7 @@ int TextPlaces::endOf(QStringView part) const
 {
     const bool isInText = !part.isEmpty() && std::less_equal<>()(m_text.begin(), part.begin()) &&
                           std::less_equal<>()(part.end(), m_text.end());
+    // cppcheck-suppress mismatchingContainerExpression  // part is a part of m_text
     return isInText ? static_cast<int>(part.end() - m_text.begin()) : -1;
 }
 
