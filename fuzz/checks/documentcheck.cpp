@@ -268,6 +268,10 @@ DocumentCheck::Stretch DocumentCheck::stretchOf(const xmlNode* element) const
     const Stretch stretch{position(element, "field_begin"), position(element, "field_end")};
     require(stretch.begin >= 0, "a field has a begin");
     require(stretch.end == -1 || stretch.end > stretch.begin, "a field ends behind its begin");
+    const bool endsWord =
+        stretch.end == -1 || stretch.end == m_text.size() ||
+        (!isSeparator(m_text.at(stretch.end - 1)) && isSeparator(m_text.at(stretch.end)));
+    require(endsWord || reachOf(stretch) > stretch.end, "a field ends where a word ends");
     return stretch;
 }
 

@@ -15,9 +15,9 @@
 /// - ORIGINAL_TEXT is the text of the message; where the message has a character that XML does not
 ///   allow, it has U+FFFD.
 /// - A position lies in the text. Each field stands there under its name, behind where its parent
-///   begins and behind where the field before it ends, and it ends where its parent ends at the
-///   latest. The end of a list whose "-END" was taken by a field in it is told as the place of that
-///   "-END"; the field ends behind the name.
+///   begins and behind where the field before it ends. It ends with a word, and where its parent
+///   ends at the latest. The end of a list whose "-END" was taken by a field in it is told as the
+///   place of that "-END"; the field ends behind the name.
 /// - Data is what stands in the text behind the name of its field.
 class DocumentCheck
 {
