@@ -140,8 +140,9 @@ void TermWarnings::checkSequence(const TermExpression* sequence)
             if (isRequired)
                 return;
         } else if (!taken.isEmpty() && taken.contains(facts.first)) {
-            // An inserted separator has no place of its own.
-            warn(isSeparator && i + 1 < steps.size() ? steps.at(i + 1) : step,
+            // A separator that the compiler has put in has no place of its own.
+            const bool isInserted = isSeparator && step->config.textBegin == 0;
+            warn(isInserted ? steps.at(i + 1) : step,
                  termText(step) + QLatin1String(" never matches: ") + termText(before) +
                      QLatin1String(" before it takes every character that it could begin with"));
             if (isRequired)

@@ -10,7 +10,7 @@ SIMPLE = """<terms>
       level</description>
     <term>('F' | 'A') ! 3{DIGIT}3</term>
   </simpleTerm>
-  <simpleTerm name="WORDS"><term>1{ALPHA} [{DIGIT} ! {ALPHA}2] 1{DIGIT}1 2{DIGIT} 2{ALPHA}3</term></simpleTerm>
+  <simpleTerm name="WORDS"><term>1{ALPHA} [{DIGIT} ! {ALPHA}2] 1{DIGIT}1 (2{DIGIT}) 2{ALPHA}3</term></simpleTerm>
   <simpleTerm name="PAIR"><term>2{ALPHA}3 4{DIGIT}4 '&#10;' [SEP]</term></simpleTerm>
   <simpleTerm name="ALL"><term>{CHARACTER}</term></simpleTerm>
 </terms>"""
@@ -19,7 +19,8 @@ PRIMARY = """<terms>
   <PrimaryField name="ACK"><term>FL [ALL]</term></PrimaryField>
 </terms>"""
 RULES = """<rules>
-  <msgRule title="ACK"><fields>FL [ACK]</fields></msgRule>
+  <msgRule title="ACK"><fields>FL</fields></msgRule>
+  <msgRule title="REJ"><fields>FL [ACK]</fields></msgRule>
 </rules>"""
 
 
@@ -67,7 +68,7 @@ class Explain(OwnRules):
                          "Definition:     FL [ALL]\n"
                          "Longest data:   is made of fields\n"
                          "Refers to:      FL, ALL\n"
-                         "Referred to by: ACK\n"
+                         "Referred to by: REJ\n"
                          "Compiled form:\n"
                          "  in sequence\n"
                          "  |- FL\n"
@@ -75,14 +76,12 @@ class Explain(OwnRules):
                          "  `- ALL, optional\n"
                          "\n"
                          "ACK: msgRule in rules.xml:2:3\n"
-                         "Definition:     FL [ACK]\n"
+                         "Definition:     FL\n"
                          "Longest data:   is made of fields\n"
-                         "Refers to:      FL, ACK\n"
+                         "Refers to:      FL\n"
                          "Compiled form:\n"
                          "  in sequence\n"
-                         "  |- FL\n"
-                         "  |- SEP\n"
-                         "  `- ACK, optional\n", result.stdout)
+                         "  `- FL\n", result.stdout)
 
     def test_counts_and_lengths_in_words(self):
         words = self.explain("WORDS").stdout

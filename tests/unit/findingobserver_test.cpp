@@ -219,7 +219,7 @@ INSTANTIATE_TEST_SUITE_P(
                     PositionCase{"ALPHA | ( {'X' | 2{B}3} )", "variable B not found", "B}3} )"},
                     PositionCase{"ALPHA | 2 {B}3", "variable B not found", "B}3"},
                     PositionCase{"ALPHA ! SELF", "variable points to itself", "SELF"},
-                    PositionCase{"ALPHA ! ' '", "ExprRuleStr is empty", "'"},
+                    PositionCase{"ALPHA ! ' '", "ExprRuleStr is empty", " '"},
                     PositionCase{"ALPHA | DIGIT 'X'", "automatic priority", "'X'"},
                     PositionCase{"ALPHA | DIGIT ALPHA", "automatic priority", "ALPHA"},
                     PositionCase{"(ALPHA DIGIT | ( ALPHA))", "automatic priority", "( ALPHA))"},
