@@ -44,11 +44,20 @@ std::string escaped(std::string_view text)
     return out;
 }
 
+std::string errorLine(std::string_view subject, std::string_view text)
+{
+    return escaped(subject) + ": " + escaped(text) + '\n';
+}
+
 void printError(std::string_view subject, std::string_view text)
 {
-    const std::string line = escaped(subject) + ": " + escaped(text) + '\n';
+    writeToStandardError(errorLine(subject, text));
+}
+
+void writeToStandardError(std::string_view text)
+{
     // If this fails there is no place left to tell it.
-    static_cast<void>(std::fwrite(line.data(), 1, line.size(), stderr));
+    static_cast<void>(std::fwrite(text.data(), 1, text.size(), stderr));
 }
 
 void StandardOutput::write(std::string_view text)
@@ -63,9 +72,10 @@ bool StandardOutput::flush()
         m_error = errno;
     if (m_error == 0)
         return true;
-    if (m_error != EPIPE)
+    if (m_error != EPIPE && !m_isTold)
         printError(CommandName, std::string("standard output cannot be written: ") +
                                     std::strerror(m_error) +
                                     "; make room or choose another place, and try again");
+    m_isTold = true;
     return false;
 }

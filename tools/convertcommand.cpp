@@ -2,134 +2,172 @@
 
 #include "commandline.h"
 #include "console.h"
-#include "conversion.h"
-#include "diagnosticcollector.h"
-#include "inputfile.h"
-#include "outputfile.h"
+#include "interruption.h"
+#include "messageconverter.h"
+#include "messagesource.h"
 #include "outputnames.h"
-#include "summarycommand.h"
+#include "resultwriter.h"
+#include "workerpool.h"
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <filesystem>
-#include <optional>
+#include <system_error>
+#include <unistd.h>
 
 namespace {
 
 constexpr const char* Footer =
-    "Without FILE, and for \"-\", the message is read from standard input. A file holds one\n"
-    "message. Several documents on standard output follow one another. Reports about a\n"
-    "message go to standard error, each behind the name of its file.\n"
+    "Without FILE, and for \"-\", messages come from standard input. An input holds one message,\n"
+    "or with --lines or -0 many: those are called by their number, <stdin>:3. Documents on\n"
+    "standard output follow one another in the order of the messages, whatever -j is. Reports\n"
+    "about a message go to standard error, each behind the name of its file.\n"
     "\n"
     "In a folder a document is named after its message: plan.adexp gives plan.adexp.xml,\n"
-    "standard input stdin.xml. A document appears there when it is complete.\n"
+    "standard input stdin.xml, its third message stdin.3.xml. With -r the sub-folders are\n"
+    "those of the messages. A document appears there when it is complete.\n"
     "\n"
     "Examples:\n"
     "  adexp convert plan.adexp                  document to standard output\n"
     "  adexp convert -o documents/ *.adexp       a document for each message\n"
-    "  adexp convert --summary messages/         what the rule set covers\n"
+    "  adexp convert -j 0 -r -o documents/ messages/\n"
+    "  adexp convert -r --summary messages/      what the rule set covers\n"
+    "  adexp convert --lines -0 < messages.txt   one message a line, documents ended by NUL\n"
     "  adexp convert --settings my.ini < plan.adexp\n";
 
-/// Where the documents go: standard output, a file, or a folder.
-class DocumentWriter
+int numberOfProcesses(const ConvertOptions& options)
 {
-public:
-    explicit DocumentWriter(const ConvertOptions& options)
-    {
-        if (!options.output.empty())
-            m_names.emplace(options.output, options.files);
-    }
-
-    /// Writes the document of @p input. False, after a message, if that failed.
-    bool write(const std::string& input, std::string_view document)
-    {
-        if (m_names)
-            return writeToFile(input, document);
-        m_standardOutput.write(document);
-        m_isLost = !m_standardOutput.flush();
-        return !m_isLost;
-    }
-
-    /// True if no further document can be written either.
-    bool isLost() const { return m_isLost; }
-
-private:
-    bool writeToFile(const std::string& input, std::string_view document)
-    {
-        std::string path;
-        if (const std::string error = m_names->take(input, &path); !error.empty()) {
-            printError(displayName(input), "not converted: " + error);
-            return false;
-        }
-        if (const std::string error = writeFile(path, document); !error.empty()) {
-            printError(path, "cannot be written: " + error +
-                                 "; check the name, the permissions and the room on the disk");
-            return false;
-        }
-        return true;
-    }
-
-    std::optional<OutputNames> m_names;
-    StandardOutput m_standardOutput;
-    bool m_isLost = false;
-};
-
-ExitCode notConverted(const std::string& input, const std::string& reason)
-{
-    printError(displayName(input), "not converted: " + reason);
-    return ExitCode::NotDone;
+    if (options.jobs != 0)
+        return options.jobs;
+    const long processors = sysconf(_SC_NPROCESSORS_ONLN);
+    return static_cast<int>(std::clamp<long>(processors, 1, Interruption::MaxProcesses));
 }
 
-ExitCode convertOne(const std::string& input, DocumentWriter* writer)
+// Converts in this process, which needs no copying.
+void convertHere(MessageSource* source, MessageConverter* converter, ResultWriter* writer)
 {
-    std::string message;
-    if (const std::string error = readInput(input, &message); !error.empty())
-        return notConverted(input, error);
-    const std::string name = displayName(input);
-    const DiagnosticCollector diagnostics{std::string_view(name)};
-    const Conversion conversion(message);
-    if (!conversion.hasDocument())
-        return notConverted(input, conversion.failure());
-    if (!writer->write(input, conversion.document()))
-        return ExitCode::NotDone;
-    return diagnostics.count() == 0 ? ExitCode::Success : ExitCode::WithDiagnostics;
+    Message message;
+    for (;;) {
+        Next next = source->next(&message, Waiting::Refused);
+        if (next == Next::WouldWait) {
+            writer->flush();
+            next = source->next(&message, Waiting::Allowed);
+        }
+        if (next == Next::Taken && !message.isRead)
+            writer->flush(); // reading it may take long, of a pipe for example
+        if (next == Next::End || !writer->write(converter->convert(message), source->taken()))
+            return;
+    }
+}
+
+void convertInProcesses(int processes, MessageSource* source, MessageConverter* converter,
+                        ResultWriter* writer)
+{
+    WorkerPool pool(
+        processes, [converter](const Message& message) { return converter->convert(message); },
+        [converter](const Message& message, const std::string& reason) {
+            return converter->notConverted(message, reason);
+        });
+    pool.run(
+        source,
+        [source, writer](const ConversionResult& result) {
+            return writer->write(result, source->taken());
+        },
+        [writer] { writer->flush(); });
+}
+
+ExitCode convertAll(const ConvertOptions& options)
+{
+    MessageSource source(options);
+    MessageConverter converter(options);
+    ResultWriter writer(options);
+    ExitCode result = ExitCode::Success;
+    Interruption::handle();
+    try {
+        if (const int processes = numberOfProcesses(options); processes > 1)
+            convertInProcesses(processes, &source, &converter, &writer);
+        else
+            convertHere(&source, &converter, &writer);
+    } catch (const std::system_error& error) {
+        printError(CommandName, std::string("cannot start a process: ") + error.what() +
+                                    "; what is missing was not converted, give a smaller -j");
+        result = ExitCode::NotDone;
+    }
+    return worse(result, writer.finish());
+}
+
+// Why one file cannot take the documents; empty if it can.
+std::string whyNoFile(const ConvertOptions& options)
+{
+    const bool isOneMessage = !options.recursive && !options.lines && options.filesFrom.empty();
+    const bool isStream =
+        options.nul && (options.files.empty() || options.files[0] == StandardInput);
+    if (options.files.size() > 1)
+        return "-o names one file, but there are " + std::to_string(options.files.size()) +
+               " messages; name a folder that exists";
+    if (!isOneMessage || isStream)
+        return "-o names one file, but there may be several messages; name a folder that exists";
+    return {};
 }
 
 // What is wrong with -o before anything is converted.
 ExitCode checkOutput(const ConvertOptions& options)
 {
-    if (options.output.empty())
+    if (!options.hasOutputFiles())
         return ExitCode::Success;
-    const bool isFolder = OutputNames(options.output, {}).isFolder();
-    if (!isFolder && options.files.size() > 1) {
-        printError(options.output, "-o names one file, but there are " +
-                                       std::to_string(options.files.size()) +
-                                       " messages; name a folder that exists");
-        return ExitCode::Usage;
+    if (!OutputNames::isFolderName(options.output)) {
+        const std::string reason = whyNoFile(options);
+        if (!reason.empty())
+            printError(options.output, reason);
+        return reason.empty() ? ExitCode::Success : ExitCode::Usage;
     }
     std::error_code error;
-    if (isFolder && !std::filesystem::is_directory(options.output, error)) {
+    if (!std::filesystem::is_directory(options.output, error)) {
         printError(options.output, "there is no such folder for the documents; make it first");
         return ExitCode::NotDone;
     }
     return ExitCode::Success;
 }
 
-ExitCode convertAll(const ConvertOptions& options)
+void addInputOptions(CLI::App* command, ConvertOptions* options)
 {
-    if (const ExitCode wrong = checkOutput(options); wrong != ExitCode::Success)
-        return wrong;
-    const RuleSet rules(options.settings);
-    ExitCode result = rules.status();
-    if (!rules.isLoaded())
-        return result;
-    DocumentWriter writer(options);
-    for (const std::string& input : options.files) {
-        result = worse(result, convertOne(input, &writer));
-        if (writer.isLost())
-            break;
-    }
-    return result;
+    CLI::Option* const files =
+        command->add_option("FILE", options->files, "Messages")->type_name("");
+    command->add_flag("-r,--recursive", options->recursive,
+                      "A folder stands for all files in it and in its sub-folders, sorted by name");
+    addTextOption(command, "--files-from", &options->filesFrom,
+                  "Read the names of the messages from FILE, one a line; \"-\" is standard input")
+        ->type_name("FILE")
+        ->excludes(files);
+    command->add_flag(
+        "--lines", options->lines,
+        "Each line of the inputs is a message (in one, a line feed means no more than "
+        "a blank)");
+    command->add_flag(
+        "-0,--null", options->nul,
+        "NUL ends each message on standard input, each name of --files-from, and each "
+        "document on standard output; a message without a document gives an empty one");
+}
+
+void addOutputOptions(CLI::App* command, ConvertOptions* options)
+{
+    addTextOption(command, "-o,--output", &options->output,
+                  "Write the document to FILE. If FILE is a folder or ends in /: into that folder, "
+                  "which has to exist. \"-\" is standard output")
+        ->type_name("FILE");
+    command->add_flag(
+        "--summary", options->summary,
+        "Report by titles: messages, fields, reports. With -o besides the documents, "
+        "otherwise in place of documents and reports. On standard output, with \"-o -\" "
+        "on standard error");
+    addFormatOption(command, &options->isJson);
+    command->add_flag(
+        "-q,--quiet", options->quiet,
+        "No reports about the contents of messages, and no progress; what could not be "
+        "done is still told");
+    command->add_flag("--no-progress", options->noProgress,
+                      "No line on the terminal that tells how far the work is");
 }
 
 } // namespace
@@ -139,26 +177,20 @@ CLI::App* addConvertCommand(CLI::App* app, ConvertOptions* options)
     CLI::App* const command = app->add_subcommand("convert", "Convert messages to XML documents");
     addFooter(command, Footer);
     addSettingsOption(command, &options->settings);
-    CLI::Option* const output = addTextOption(
-        command, "-o,--output", &options->output,
-        "Write the document to FILE. If FILE is a folder or ends in /: into that folder, "
-        "which has to exist. \"-\" is standard output");
-    output->type_name("FILE");
+    addInputOptions(command, options);
+    addOutputOptions(command, options);
     command
-        ->add_flag("--summary", options->summary,
-                   "Write no documents, but a report by titles: messages, fields, reports. "
-                   "A folder stands for all files in it")
-        ->excludes(output);
-    command->add_option("FILE", options->files, "Messages")->type_name("");
+        ->add_option("-j,--jobs", options->jobs,
+                     "Convert in N processes at once; 0: one for each processor")
+        ->type_name("N")
+        ->check(CLI::Range(0, Interruption::MaxProcesses));
     return command;
 }
 
 ExitCode runConvert(const ConvertOptions& options)
 {
-    ConvertOptions complete = options;
-    if (complete.files.empty())
-        complete.files.emplace_back(StandardInput);
-    if (complete.output == "-")
-        complete.output.clear();
-    return complete.summary ? runSummary(complete.settings, complete.files) : convertAll(complete);
+    if (const ExitCode wrong = checkOutput(options); wrong != ExitCode::Success)
+        return wrong;
+    const RuleSet rules(options.settings, options.isJson);
+    return rules.isLoaded() ? worse(rules.status(), convertAll(options)) : rules.status();
 }

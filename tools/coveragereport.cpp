@@ -2,12 +2,14 @@
 
 #include "console.h"
 
-#include <QByteArray>
-#include <QXmlStreamReader>
+#include "findingjson.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QString>
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
+#include <utility>
 
 namespace {
 
@@ -22,48 +24,42 @@ std::string columns(const std::string& head, const std::string& messages, const 
            column(reports, 13) + '\n';
 }
 
+std::vector<std::pair<std::string, std::int64_t>> mostFrequentFirst(const DiagnosticCounts& counts)
+{
+    std::vector<std::pair<std::string, std::int64_t>> sorted(counts.begin(), counts.end());
+    std::stable_sort(sorted.begin(), sorted.end(),
+                     [](const auto& a, const auto& b) { return a.second > b.second; });
+    return sorted;
+}
+
 } // namespace
 
-void CoverageReport::addDocument(std::string_view document, const DiagnosticCounts& reported)
+void CoverageReport::add(const MessageCoverage& message)
 {
-    Counts counts;
-    std::string title;
-    countFields(document, &title, &counts);
-
-    Counts& sum = m_titles[title];
+    if (!message.failure.empty()) {
+        ++m_notConverted;
+        if (m_listed.size() < MaxListed)
+            m_listed.push_back({message.name, message.failure});
+        return;
+    }
+    Counts& sum = m_titles[message.title];
     ++sum.messages;
-    sum.fields += counts.fields;
-    sum.unknownFields += counts.unknownFields;
-    for (const auto& [text, count] : reported) {
-        sum.reports += count;
-        sum.diagnostics[text] += count;
-    }
+    sum.fields += message.fields;
+    sum.unknownFields += message.unknownFields;
+    for (const auto& [text, count] : message.diagnostics)
+        addDiagnostic(text, count, &sum);
 }
 
-// Every element with the attribute "valid" is a field, but for the first one: the message itself.
-void CoverageReport::countFields(std::string_view document, std::string* title, Counts* counts)
+void CoverageReport::addDiagnostic(const std::string& text, std::int64_t count, Counts* counts)
 {
-    using Size = decltype(QByteArray().size()); // int up to Qt 5
-    QXmlStreamReader reader(
-        QByteArray::fromRawData(document.data(), static_cast<Size>(document.size())));
-    reader.readNextStartElement();
-    *title = reader.attributes().value(QLatin1String("rule")).toString().toStdString();
-    reader.readNextStartElement();
-    while (!reader.atEnd()) {
-        if (reader.readNext() != QXmlStreamReader::StartElement)
-            continue;
-        const auto attributes = reader.attributes();
-        if (!attributes.hasAttribute(QLatin1String("valid")))
-            continue;
-        ++counts->fields;
-        if (attributes.value(QLatin1String("valid")) == QLatin1String("false"))
-            ++counts->unknownFields;
-    }
-}
-
-void CoverageReport::addNotConverted(const std::string& name, const std::string& reason)
-{
-    m_notConverted.push_back({name, reason});
+    counts->reports += count;
+    const auto known = counts->diagnostics.find(text);
+    if (known != counts->diagnostics.end())
+        known->second += count;
+    else if (counts->diagnostics.size() < MaxListed)
+        counts->diagnostics.emplace(text, count);
+    else
+        counts->unlisted += count;
 }
 
 CoverageReport::Counts CoverageReport::total() const
@@ -78,11 +74,9 @@ CoverageReport::Counts CoverageReport::total() const
     return sum;
 }
 
-ExitCode CoverageReport::status() const
+std::int64_t CoverageReport::notListed() const
 {
-    if (!m_notConverted.empty())
-        return ExitCode::NotDone;
-    return total().reports == 0 ? ExitCode::Success : ExitCode::WithDiagnostics;
+    return m_notConverted - static_cast<std::int64_t>(m_listed.size());
 }
 
 std::string CoverageReport::line(const std::string& head, const Counts& counts)
@@ -91,16 +85,13 @@ std::string CoverageReport::line(const std::string& head, const Counts& counts)
                    std::to_string(counts.unknownFields), std::to_string(counts.reports));
 }
 
-// The most frequent first.
-std::string CoverageReport::diagnosticLines(const DiagnosticCounts& diagnostics)
+std::string CoverageReport::diagnosticLines(const Counts& counts)
 {
-    std::vector<std::pair<std::string, std::int64_t>> sorted(diagnostics.begin(),
-                                                             diagnostics.end());
-    std::stable_sort(sorted.begin(), sorted.end(),
-                     [](const auto& a, const auto& b) { return a.second > b.second; });
     std::string lines;
-    for (const auto& [text, count] : sorted)
+    for (const auto& [text, count] : mostFrequentFirst(counts.diagnostics))
         lines += "    " + std::to_string(count) + " x " + escaped(text) + '\n';
+    if (counts.unlisted != 0)
+        lines += "    " + std::to_string(counts.unlisted) + " x (others)\n";
     return lines;
 }
 
@@ -108,10 +99,43 @@ std::string CoverageReport::text() const
 {
     std::string lines = columns("title", "messages", "fields", "unknown", "diagnostics");
     for (const auto& [title, counts] : m_titles)
-        lines += line(title, counts) + diagnosticLines(counts.diagnostics);
+        lines += line(title, counts) + diagnosticLines(counts);
     lines += line("total", total());
-    lines += "not converted: " + std::to_string(m_notConverted.size()) + '\n';
-    for (const NotConverted& input : m_notConverted)
-        lines += "    " + escaped(input.name) + ": " + escaped(input.reason) + '\n';
+    lines += "not converted: " + std::to_string(m_notConverted) + '\n';
+    for (const NotConverted& message : m_listed)
+        lines += "    " + escaped(message.name) + ": " + escaped(message.reason) + '\n';
+    if (notListed() != 0)
+        lines += "    (" + std::to_string(notListed()) + " others)\n";
     return lines;
+}
+
+std::string CoverageReport::json() const
+{
+    const auto numbers = [](const Counts& counts) {
+        return QJsonObject{{QStringLiteral("messages"), static_cast<qint64>(counts.messages)},
+                           {QStringLiteral("fields"), static_cast<qint64>(counts.fields)},
+                           {QStringLiteral("unknown"), static_cast<qint64>(counts.unknownFields)},
+                           {QStringLiteral("diagnostics"), static_cast<qint64>(counts.reports)}};
+    };
+    QJsonArray titles;
+    for (const auto& [title, counts] : m_titles) {
+        QJsonArray reports;
+        for (const auto& [text, count] : mostFrequentFirst(counts.diagnostics))
+            reports.append(QJsonObject{{QStringLiteral("count"), static_cast<qint64>(count)},
+                                       {QStringLiteral("text"), QString::fromStdString(text)}});
+        QJsonObject object = numbers(counts);
+        object.insert(QStringLiteral("title"), QString::fromStdString(title));
+        object.insert(QStringLiteral("reports"), reports);
+        titles.append(object);
+    }
+    QJsonArray notConverted;
+    for (const NotConverted& message : m_listed)
+        notConverted.append(
+            QJsonObject{{QStringLiteral("file"), QString::fromStdString(message.name)},
+                        {QStringLiteral("text"), QString::fromStdString(message.reason)}});
+    QJsonObject sum = numbers(total());
+    sum.insert(QStringLiteral("notConverted"), static_cast<qint64>(m_notConverted));
+    return jsonLine({{QStringLiteral("titles"), titles},
+                     {QStringLiteral("total"), sum},
+                     {QStringLiteral("notConverted"), notConverted}});
 }

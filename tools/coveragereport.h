@@ -2,34 +2,33 @@
 #define COVERAGEREPORT_H
 
 #include "exitcodes.h"
+#include "messagecoverage.h"
 
 #include <cstdint>
 #include <map>
 #include <string>
-#include <string_view>
 #include <vector>
 
-/// How often each distinct diagnostic was reported.
-using DiagnosticCounts = std::map<std::string, std::int64_t>;
-
 /// How well a rule set covers a set of messages, by their titles.
+///
+/// Its memory does not grow with the number of messages: of each title, and of what was not
+/// converted, no more than MaxListed different lines are kept, the others are counted.
 class CoverageReport
 {
 public:
-    /// Counts the @p document of a message that was converted, and what was @p reported about it.
-    void addDocument(std::string_view document, const DiagnosticCounts& reported);
+    static constexpr std::size_t MaxListed = 1000;
 
-    /// Lists an input that was not converted, with the @p reason. Its diagnostics are left out.
-    void addNotConverted(const std::string& name, const std::string& reason);
+    /// Adds a message, or lists it if it was not converted.
+    void add(const MessageCoverage& message);
 
-    /// Number of inputs that were not converted.
-    std::size_t notConverted() const { return m_notConverted.size(); }
-
-    /// What the messages make of the command's exit status.
-    ExitCode status() const;
+    /// Number of messages that were not converted.
+    std::int64_t notConverted() const { return m_notConverted; }
 
     /// The report as lines of text.
     std::string text() const;
+
+    /// The report as one line of JSON.
+    std::string json() const;
 
 private:
     struct Counts
@@ -39,21 +38,23 @@ private:
         std::int64_t unknownFields = 0;
         std::int64_t reports = 0;
         DiagnosticCounts diagnostics;
+        std::int64_t unlisted = 0; // reports that diagnostics had no room for
     };
-
-    static void countFields(std::string_view document, std::string* title, Counts* counts);
-    static std::string line(const std::string& head, const Counts& counts);
-    static std::string diagnosticLines(const DiagnosticCounts& diagnostics);
-    Counts total() const;
-
     struct NotConverted
     {
         std::string name;
         std::string reason;
     };
 
+    static void addDiagnostic(const std::string& text, std::int64_t count, Counts* counts);
+    static std::string line(const std::string& head, const Counts& counts);
+    static std::string diagnosticLines(const Counts& counts);
+    Counts total() const;
+    std::int64_t notListed() const;
+
     std::map<std::string, Counts> m_titles;
-    std::vector<NotConverted> m_notConverted;
+    std::int64_t m_notConverted = 0;
+    std::vector<NotConverted> m_listed; // the first of those that were not converted
 };
 
 #endif

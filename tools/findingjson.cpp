@@ -37,6 +37,15 @@ QJsonObject findingJson(const Finding& finding)
     return object;
 }
 
+QJsonObject errorJson(const std::string& file, const std::string& text)
+{
+    QJsonObject object{{QStringLiteral("severity"), QStringLiteral("error")},
+                       {QStringLiteral("text"), QString::fromStdString(text)}};
+    if (!file.empty())
+        object.insert(QStringLiteral("file"), QString::fromStdString(file));
+    return object;
+}
+
 std::string jsonLine(const QJsonObject& object)
 {
     // QJsonDocument escapes the control characters below the blank only.

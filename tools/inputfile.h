@@ -1,35 +1,56 @@
 #ifndef INPUTFILE_H
 #define INPUTFILE_H
 
+#include <climits>
+#include <cstddef>
 #include <string>
-#include <vector>
 
 /// The argument that stands for standard input.
 constexpr const char* StandardInput = "-";
 
+/// The most bytes that a message may have: the library counts them in 31 bits.
+constexpr std::size_t MaxMessageSize = INT_MAX;
+
 /// The name of the input @p argument in messages.
 std::string displayName(const std::string& argument);
+
+/// What went wrong and what to do about it: the file operation ended with the @p error of errno.
+std::string readError(int error);
+
+/// The same for a message of more than MaxMessageSize bytes.
+std::string tooLargeError();
+
+/// An input that is open for reading as long as an object of this class lives. Standard input stays
+/// open.
+class InputFile
+{
+public:
+    /// Opens the input @p argument.
+    explicit InputFile(const std::string& argument);
+    ~InputFile();
+
+    InputFile(const InputFile&) = delete;
+    InputFile& operator=(const InputFile&) = delete;
+
+    /// Why it cannot be read, empty if it can.
+    const std::string& error() const { return m_error; }
+    /// The file descriptor.
+    int descriptor() const { return m_descriptor; }
+    /// Why it is too large to be one message, empty if it is not or if that shows on reading only.
+    std::string sizeError() const;
+    /// The size in bytes of a regular file; 0 for a pipe or terminal, of which nobody knows it.
+    std::size_t size() const { return m_size; }
+
+private:
+    void check();
+
+    int m_descriptor;
+    std::size_t m_size = 0;
+    std::string m_error;
+};
 
 /// Reads the input @p argument whole into @p text. Returns what went wrong and what to do about it;
 /// empty if nothing did.
 std::string readInput(const std::string& argument, std::string* text);
-
-/// What a folder holds.
-struct FolderListing
-{
-    /// A folder that could not be listed.
-    struct Unlisted
-    {
-        std::string folder;
-        std::string reason; ///< what went wrong and what to do about it
-    };
-
-    std::vector<std::string> files; ///< sorted by name
-    std::vector<Unlisted> unlisted;
-};
-
-/// Finds the regular files directly or further down in @p folder. Links to files count as files,
-/// links to folders are not followed.
-FolderListing listFolder(const std::string& folder);
 
 #endif

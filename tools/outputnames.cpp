@@ -1,16 +1,8 @@
 #include "outputnames.h"
 
-#include "inputfile.h"
-
 namespace fs = std::filesystem;
 
 namespace {
-
-bool isFolderName(const std::string& output)
-{
-    std::error_code error;
-    return output.back() == '/' || fs::is_directory(output, error);
-}
 
 // The one path that all names of an existing file share; empty if there is no such file.
 fs::path canonical(const std::string& name)
@@ -19,31 +11,45 @@ fs::path canonical(const std::string& name)
     return fs::canonical(name, error);
 }
 
-std::string documentName(const std::string& input)
-{
-    const fs::path message =
-        input == StandardInput ? fs::path("stdin") : fs::path(input).filename();
-    return message.string() + ".xml";
-}
-
 } // namespace
 
-OutputNames::OutputNames(const std::string& output, const std::vector<std::string>& inputs)
+OutputNames::OutputNames(const std::string& output, const std::deque<Input>& inputs)
     : m_output(output), m_isFolder(isFolderName(output))
 {
-    for (const std::string& input : inputs)
-        if (input != StandardInput)
-            m_inputs.insert(canonical(input));
+    for (const Input& input : inputs)
+        if (input.argument != StandardInput)
+            m_inputs.insert(canonical(input.argument));
     m_inputs.erase(fs::path());
 }
 
-std::string OutputNames::take(const std::string& input, std::string* path)
+bool OutputNames::isFolderName(const std::string& output)
 {
-    *path = m_isFolder ? (fs::path(m_output) / documentName(input)).string() : m_output;
-    if (!m_taken.insert(*path).second)
+    std::error_code error;
+    return output.back() == '/' || fs::is_directory(output, error);
+}
+
+void OutputNames::assign(const Input& input, Message* message)
+{
+    message->document = fileFor(input, *message);
+    message->failure = reasonAgainst(message->document, *message);
+}
+
+std::string OutputNames::fileFor(const Input& input, const Message& message) const
+{
+    if (!m_isFolder)
+        return m_output;
+    const std::string number = message.number == 0 ? "" : '.' + std::to_string(message.number);
+    return (fs::path(m_output) / (input.documentName + number + ".xml")).string();
+}
+
+std::string OutputNames::reasonAgainst(const std::string& file, const Message& message)
+{
+    // The messages of one input differ by their numbers: to know the first one is enough, and keeps
+    // the memory for a stream small.
+    if (message.number <= 1 && !m_taken.insert(file).second)
         return "another message of the same file name was given before it; convert it on its own, "
-               "with another -o";
-    if (m_inputs.count(canonical(*path)) != 0)
-        return "its document would replace the message " + *path + "; choose another -o";
+               "with another -o, or give the folder of both with -r";
+    if (m_inputs.count(canonical(file)) != 0)
+        return "its document would replace the message " + file + "; choose another -o";
     return {};
 }

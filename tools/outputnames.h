@@ -1,10 +1,13 @@
 #ifndef OUTPUTNAMES_H
 #define OUTPUTNAMES_H
 
+#include "inputlist.h"
+#include "message.h"
+
+#include <deque>
 #include <filesystem>
 #include <set>
 #include <string>
-#include <vector>
 
 /// Which file each document goes to, for `-o FILE` and `-o FOLDER`.
 ///
@@ -12,18 +15,21 @@
 class OutputNames
 {
 public:
-    /// Names for the documents of @p inputs. @p output is a file, or a folder if it is one or ends
-    /// with a slash.
-    OutputNames(const std::string& output, const std::vector<std::string>& inputs);
+    /// Names for the documents of @p inputs. @p output is a file, or a folder if isFolderName().
+    OutputNames(const std::string& output, const std::deque<Input>& inputs);
 
-    /// True if the documents go into a folder, each under the name of its message.
-    bool isFolder() const { return m_isFolder; }
+    /// True if @p output is a folder or ends with a slash: the documents go into it, each under the
+    /// name of its message.
+    static bool isFolderName(const std::string& output);
 
-    /// Puts the file name for the document of @p input into @p path. Returns why there is none,
-    /// empty if there is one. To be called once for each input.
-    std::string take(const std::string& input, std::string* path);
+    /// Puts the file for the document of @p message, which is one of @p input, into it; or a
+    /// failure, if there is none. To be called once for each message, in order.
+    void assign(const Input& input, Message* message);
 
 private:
+    std::string fileFor(const Input& input, const Message& message) const;
+    std::string reasonAgainst(const std::string& file, const Message& message);
+
     std::string m_output;
     bool m_isFolder;
     std::set<std::filesystem::path> m_inputs; // as canonical paths

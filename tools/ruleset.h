@@ -20,8 +20,8 @@ class RuleSet
 {
 public:
     /// Loads the rule set of the settings file @p settings. What is wrong with it goes to standard
-    /// error.
-    explicit RuleSet(const std::string& settings);
+    /// error, as JSON if @p isJson.
+    explicit RuleSet(const std::string& settings, bool isJson = false);
 
     /// Unloads the rule set.
     ~RuleSet();

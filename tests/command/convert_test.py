@@ -95,7 +95,7 @@ class NotConverted(CommandTest):
             ([], "- TITLE\r\nOTHER -X", 'no rule for the title "OTHER"'),
             ([], "- TITEL OTHER", 'there is no "-TITLE" in it'),
             ([], "", 'there is no "-TITLE" in it'),
-            (["folder"], "", "folder: not converted: is a folder, not a message; name the files"),
+            (["folder"], "", "folder: not converted: is a folder, not a message; give -r"),
             (["gone"], "", "gone: not converted: cannot be read: No such file or directory; check"),
             ([""], "", ": not converted: cannot be read: No such file"),
         ]
