@@ -133,24 +133,19 @@ bool WorkerPool::deliver(const Sink& sink)
     return true;
 }
 
-// Waits for answers, and for input if there is a process without work.
+// Waits for answers, for the end of a process, and for input if there is a process without work.
 void WorkerPool::waitFor(const MessageSource& source)
 {
     std::vector<pollfd> descriptors;
-    std::vector<std::size_t> places;
-    for (std::size_t place = 0; place < m_workers.size(); ++place) {
-        if (!m_workers[place].isBusy)
-            continue;
-        descriptors.push_back({m_workers[place].process->descriptor(), POLLIN, 0});
-        places.push_back(place);
-    }
+    for (const Worker& worker : m_workers)
+        descriptors.push_back({worker.process->descriptor(), POLLIN, 0});
     if (m_isWaitingForInput && idleWorker())
         descriptors.push_back({source.descriptor(), POLLIN, 0});
     // An interrupted call leaves no events: then nothing is read, and the caller waits again.
     poll(descriptors.data(), descriptors.size(), -1);
-    for (std::size_t i = 0; i < places.size(); ++i)
-        if (descriptors[i].revents != 0)
-            receive(places[i]);
+    for (std::size_t place = 0; place < m_workers.size(); ++place)
+        if (descriptors[place].revents != 0)
+            receive(place);
 }
 
 void WorkerPool::receive(std::size_t place)
@@ -161,10 +156,11 @@ void WorkerPool::receive(std::size_t place)
     std::string frame;
     while (worker.process->takeAnswer(&frame))
         keep(worker.batch.first + worker.batch.answered++, std::move(frame));
-    worker.isBusy = worker.batch.answered < worker.batch.messages.size();
+    if (worker.batch.answered == worker.batch.messages.size())
+        worker.isBusy = false;
 }
 
-// The process has died over its batch.
+// The process has died, over its batch if it had one.
 void WorkerPool::replace(std::size_t place)
 {
     Batch batch = std::move(m_workers[place].batch);

@@ -1,0 +1,421 @@
+"""Tests of "adexp convert" with many messages: folders, lists of files, streams."""
+
+import json
+import os
+import resource
+import subprocess
+import threading
+import unittest
+
+from commandtest import GOOD, NO_RULE, NO_TITLE, REPORTED, TIMEOUT, CommandTest, main
+
+MESSAGE = GOOD.strip()
+
+
+def message(number):
+    return "-TITLE PLAN -ARCID ABC%d" % number
+
+
+class Folders(CommandTest):
+
+    def setUp(self):
+        super().setUp()
+        os.mkdir(self.path("out"))
+
+    def test_documents_keep_the_sub_folders(self):
+        for name in ("in/a", "in/deep/er/a", "in/deep/b"):
+            self.write(name, GOOD)
+        self.assert_ends(self.convert("-r", "-o", "out", "in/"), 0)
+        self.assertEqual(["a.xml", "deep"], self.files("out"))
+        self.assertEqual(["b.xml", "er"], self.files("out/deep"))
+        self.assertEqual(["a.xml"], self.files("out/deep/er"))
+
+    def test_files_come_sorted_by_name(self):
+        for name in ("c", "a", "b/z", "b/a"):
+            self.write("in/" + name, NO_RULE)
+        result = self.convert("-r", "in")
+        self.assertEqual(["in/a", "in/b/a", "in/b/z", "in/c"],
+                         [line.split(":")[0] for line in result.stderr.splitlines()])
+
+    def test_folder_without_the_option_is_told(self):
+        self.write("in/a", GOOD)
+        for arguments in (["in"], ["--lines", "in"]):
+            self.assert_ends(self.convert(*arguments), 2,
+                             "in: not converted: is a folder, not a message; give -r to convert")
+
+    def test_files_are_named_beside_folders(self):
+        self.write("in/a", GOOD)
+        self.assert_ends(self.convert("-r", "-o", "out", "in", self.write("b", GOOD)), 0)
+        self.assertEqual(["a.xml", "b.xml"], self.files("out"))
+
+    def test_same_name_in_two_folders_is_refused(self):
+        self.write("one/a", GOOD)
+        self.write("two/a", GOOD)
+        self.assert_ends(self.convert("-r", "-o", "out", "one", "two"), 2,
+                         "two/a: not converted: another message of the same file name was given")
+
+    def test_documents_of_an_earlier_run_are_no_messages(self):
+        self.write("in/a", GOOD)
+        os.mkdir(self.path("in/out"))
+        for _ in range(2):
+            self.assert_ends(self.convert("-r", "-o", "in/out/", "in"), 0)
+            self.assertEqual(["a.xml"], self.files("in/out"))
+
+    def test_sub_folder_that_cannot_be_made_is_told(self):
+        self.write("in/deep/a", GOOD)
+        self.write("out/deep", "a file")
+        self.assert_ends(self.convert("-r", "-o", "out", "in"), 2,
+                         "out/deep/a.xml: cannot be written: ")
+
+    def test_one_file_for_a_folder_is_a_wrong_argument(self):
+        self.assert_ends(self.convert("-r", "-o", "out.xml", "in"), 64,
+                         "out.xml: -o names one file, but there may be several messages; name a")
+
+
+class FileLists(CommandTest):
+
+    def test_names_stand_on_lines(self):
+        self.write("a", GOOD)
+        self.write("two words", REPORTED)
+        self.write("list", "a\ntwo words")
+        for arguments, stdin in ((["list"], ""), (["-"], "a\ntwo words\n")):
+            result = self.convert("--files-from", *arguments, stdin=stdin)
+            self.assert_ends(result, 1, "two words: ")
+            self.assertEqual(2, result.stdout.count("<ADEXP_XML "))
+
+    def test_names_are_ended_by_nul(self):
+        self.write("line\nbreak", GOOD)
+        result = self.convert("-0", "--files-from", "-", stdin="line\nbreak\0gone\0")
+        self.assert_ends(result, 2, "gone: not converted: cannot be read")
+        self.assertEqual(2, result.stdout.count("\0"))
+        self.assertTrue(result.stdout.endswith("</ADEXP_XML>\n\0\0"), result.stdout)
+
+    def test_documents_go_to_a_folder(self):
+        os.mkdir(self.path("out"))
+        self.write("in/a", GOOD)
+        self.write("in/b", GOOD)
+        self.assert_ends(self.convert("-o", "out", "--files-from", "-", stdin="in/a\nin/b\n"), 0)
+        self.assertEqual(["a.xml", "b.xml"], self.files("out"))
+
+    def test_later_message_is_not_replaced_by_the_document_of_an_earlier(self):
+        self.write("a", GOOD)
+        self.write("a.xml", GOOD)
+        result = self.convert("-o", ".", "--files-from", "-", stdin="a\na.xml\n")
+        self.assert_ends(result, 2, "a: not converted: its document would replace the message")
+        self.assertEqual(GOOD, self.read("a.xml"))
+
+    def test_folder_in_the_list(self):
+        self.write("in/a", GOOD)
+        self.assert_ends(self.convert("--files-from", "-", stdin="in\n"), 2, "in: ", "give -r")
+        self.assert_ends(self.convert("-r", "--files-from", "-", stdin="in\n"), 0)
+
+    def test_hyphen_in_the_list_is_a_file(self):
+        self.write("-", GOOD)
+        self.assert_ends(self.convert("--files-from", "-", stdin="-\n"), 0)
+
+    def test_list_that_cannot_be_read(self):
+        self.assert_ends(self.convert("--files-from", "gone"), 2,
+                         "gone: not converted: cannot be read: No such file")
+        result = self.convert("--files-from", "/proc/self/mem")
+        self.assert_ends(result, 2, "/proc/self/mem: not converted: cannot be read: Input/output")
+
+    def test_list_and_files_exclude_each_other(self):
+        self.assert_ends(self.convert("--files-from", "list", "a"), 64, "--files-from")
+
+    def test_name_is_answered_before_the_next_one_comes(self):
+        self.write("a", GOOD)
+        Conversation(self, "--files-from", "-").ask("a\n", "</ADEXP_XML>\n")
+
+
+class Lines(CommandTest):
+
+    def test_each_line_is_a_message(self):
+        result = self.convert("--lines", stdin=message(1) + "\n" + message(2) + "\r\n" + message(3))
+        self.assert_ends(result, 0)
+        self.assertEqual(["ABC1", "ABC2", "ABC3"],
+                         [part[:4] for part in result.stdout.split('list="false">')
+                          if part.startswith("ABC")])
+
+    def test_messages_are_called_by_their_line(self):
+        self.write("archive", "%s\n\n%s\n" % (MESSAGE, REPORTED.strip()))
+        result = self.convert("--lines", "-q", "archive")
+        self.assertEqual('archive:2: not converted: there is no "-TITLE" in it; check that it is an '
+                         'ADEXP message\n', result.stderr)
+        self.assert_ends(self.convert("--lines", "archive"), 2,
+                         'archive:3: "ignore word" "stray" \n')
+
+    def test_several_archives(self):
+        self.write("a", message(1) + "\n")
+        self.write("b", "")
+        self.write("c", message(2) + "\n")
+        result = self.convert("--lines", "a", "b", "gone", "c")
+        self.assert_ends(result, 2, "gone: not converted")
+        self.assertEqual(2, result.stdout.count("<ADEXP_XML "))
+
+    def test_documents_in_a_folder_are_numbered(self):
+        os.mkdir(self.path("out"))
+        self.write("archive", "%s\n%s\n" % (MESSAGE, MESSAGE))
+        self.assert_ends(self.convert("--lines", "-o", "out", "archive", "-", stdin=MESSAGE), 0)
+        self.assertEqual(["archive.1.xml", "archive.2.xml", "stdin.1.xml"], self.files("out"))
+
+    def test_one_file_for_lines_is_a_wrong_argument(self):
+        self.assert_ends(self.convert("--lines", "-o", "out.xml"), 64, "may be several messages")
+
+    def test_nothing_is_no_message(self):
+        result = self.convert("--lines", stdin="")
+        self.assert_ends(result, 0)
+        self.assertEqual("", result.stdout)
+
+    def test_lines_longer_than_a_block(self):
+        points = " -POINT -LEVEL F370" * 20000
+        result = self.convert("--lines", "-0", stdin=(message(1) + points + "\n") * 3)
+        self.assertEqual(3, result.stdout.count("\0"))
+        self.assertEqual(60000, result.stdout.count("<LEVEL "))
+
+
+class Nul(CommandTest):
+
+    def test_messages_and_documents_are_ended_by_nul(self):
+        result = self.convert("-0", stdin="%s\n\0%s\0%s" % (message(1), message(2), message(3)))
+        self.assert_ends(result, 0)
+        documents = result.stdout.split("\0")
+        self.assertEqual("", documents.pop())
+        self.assertEqual([1, 2, 3], [1 + i for i, document in enumerate(documents)
+                                     if ">ABC%d<" % (i + 1) in document])
+
+    def test_message_without_document_gives_an_empty_one(self):
+        result = self.convert("-0", stdin="\0".join([message(1), NO_RULE, "", message(4)]) + "\0")
+        self.assert_ends(result, 2, "<stdin>:2: not converted", "<stdin>:3: not converted")
+        self.assertEqual([True, False, False, True, False],
+                         [bool(document) for document in result.stdout.split("\0")])
+
+    def test_documents_of_files_are_ended_by_nul(self):
+        result = self.convert("-0", self.write("a", GOOD), "gone", self.write("b", GOOD))
+        self.assert_ends(result, 2, "gone: ")
+        self.assertEqual([True, False, True, False],
+                         [bool(document) for document in result.stdout.split("\0")])
+
+    def test_same_bytes_as_one_by_one(self):
+        messages = [message(1), GOOD, REPORTED, "-TITLE NOTE -ARCID \x01\n"]
+        single = [self.convert(stdin=text).stdout for text in messages]
+        self.assertEqual("".join(document + "\0" for document in single),
+                         self.convert("-0", stdin="\0".join(messages)).stdout)
+
+    def test_one_file_for_the_documents_of_a_stream_is_a_wrong_argument(self):
+        for arguments in ([], ["-"]):
+            self.assert_ends(self.convert("-0", "-o", "out.xml", *arguments), 64,
+                             "may be several messages")
+        self.assert_ends(self.convert("-0", "-o", "out.xml", self.write("a", GOOD)), 0)
+
+
+class Conversation:
+    """The command as a filter: an answer has to come before the next question."""
+
+    def __init__(self, test, *arguments):
+        self.test = test
+        self.process = subprocess.Popen(
+            [test.command, "convert", "--settings", "rules.ini", *arguments], cwd=test.folder,
+            stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, bufsize=0)
+        test.addCleanup(self.end)
+
+    def ask(self, question, end):
+        timer = threading.Timer(TIMEOUT, self.process.kill)
+        timer.start()
+        self.process.stdin.write(question.encode())
+        answer = b""
+        while not answer.endswith(end.encode()):
+            byte = self.process.stdout.read(1)
+            if not byte:
+                self.test.fail("no answer, but " + repr(answer))
+            answer += byte
+        timer.cancel()
+        return answer.decode()
+
+    def end(self):
+        self.process.stdin.close()
+        self.process.stdout.close()
+        self.process.kill()
+        self.process.wait()
+
+
+class Filter(CommandTest):
+
+    def test_each_message_is_answered_before_the_next_one_comes(self):
+        for jobs in ("1", "2"):
+            with self.subTest(jobs=jobs):
+                conversation = Conversation(self, "-0", "-q", "-j", jobs)
+                for number in range(50):
+                    answer = conversation.ask(message(number) + "\0", "\0")
+                    self.assertIn(">ABC%d<" % number, answer)
+                self.assertEqual("\0", conversation.ask("\0", "\0"))
+
+    def test_part_of_a_message_waits_for_the_rest(self):
+        conversation = Conversation(self, "-0", "-j", "2")
+        conversation.process.stdin.write(b"-TITLE PL")
+        self.assertIn(">ABC1<", conversation.ask("AN -ARCID ABC1\0", "\0"))
+
+    def test_reports_never_stand_before_the_documents_of_earlier_messages(self):
+        result = self.convert("--lines", stdin="%s\n%s\n" % (MESSAGE, REPORTED.strip()),
+                              stdout=subprocess.PIPE)
+        both = subprocess.run("exec 2>&1; %s convert --settings rules.ini --lines" % self.command,
+                              shell=True, cwd=self.folder, encoding="utf-8", timeout=TIMEOUT,
+                              input="%s\n%s\n" % (MESSAGE, REPORTED.strip()),
+                              stdout=subprocess.PIPE, check=False).stdout
+        end = len("</ADEXP_XML>\n") + both.index("</ADEXP_XML>\n")
+        self.assertEqual(result.stderr, both[end:end + len(result.stderr)])
+
+    def test_reader_that_goes_away_ends_the_command(self):
+        for jobs in ("1", "2"):
+            with self.subTest(jobs=jobs):
+                self.write("archive", (message(1) + "\n") * 20000)
+                process = subprocess.Popen([self.command, "convert", "--settings", "rules.ini", "-j",
+                                            jobs, "--lines", "archive"], cwd=self.folder,
+                                           stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+                process.stdout.read(10)
+                process.stdout.close()
+                self.assertEqual(b"", process.stderr.read())
+                process.stderr.close()
+                self.assertEqual(2, process.wait(TIMEOUT))
+
+    def test_memory_does_not_grow_with_the_stream(self):
+        """The peak over 30 times the messages stays within a tenth."""
+        peaks = {}
+        for jobs in ("1", "2"):
+            for count in (2000, 60000):
+                self.write("archive", (REPORTED.strip() + " x%d\n") % count * count)
+                code = ("import resource, subprocess, sys; "
+                        "subprocess.run(sys.argv[1:], stdout=subprocess.DEVNULL, "
+                        "stderr=subprocess.DEVNULL); "
+                        "print(resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss)")
+                result = subprocess.run(
+                    ["python3", "-c", code, self.command, "convert", "--settings", "rules.ini",
+                     "--lines", "-j", jobs, "archive"], cwd=self.folder, stdout=subprocess.PIPE,
+                    timeout=TIMEOUT, check=True)
+                peaks[jobs, count] = int(result.stdout)
+        for jobs in ("1", "2"):
+            self.assertLess(peaks[jobs, 60000], 1.1 * peaks[jobs, 2000] + 2048, peaks)
+
+    def test_message_for_which_memory_runs_out_is_told_and_the_others_go_on(self):
+        """A message file beyond the limit of the address space, which is far above what starts."""
+        with open(self.path("large"), "wb") as file:
+            file.truncate(2 ** 31 - 1)
+        limit = lambda: resource.setrlimit(resource.RLIMIT_AS, (2 ** 30, 2 ** 30))
+        for jobs in ("1", "2"):
+            result = self.convert("-j", jobs, "large", self.write("a", GOOD), preexec_fn=limit)
+            self.assert_ends(result, 2, "large: not converted: memory ran out; convert it where")
+            self.assertEqual(1, result.stdout.count("<ADEXP_XML "))
+
+
+class Summary(CommandTest):
+
+    def test_with_documents_it_goes_to_standard_output_and_reports_stay(self):
+        os.mkdir(self.path("out"))
+        self.write("a", REPORTED)
+        result = self.convert("--summary", "-o", "out", "a", "gone")
+        self.assert_ends(result, 2, 'a: "ignore word" "stray" \n', "gone: not converted")
+        self.assertIn("PLAN                 1 ", result.stdout)
+        self.assertIn("    gone: cannot be read", result.stdout)
+        self.assertNotIn("<ADEXP_XML ", result.stdout)
+        self.assertEqual(["a.xml"], self.files("out"))
+
+    def test_with_documents_on_standard_output_it_goes_to_standard_error(self):
+        result = self.convert("--summary", "-o", "-", "--lines", stdin=MESSAGE)
+        self.assert_ends(result, 0, "title         messages", "PLAN                 1 ")
+        self.assertEqual(self.convert("--lines", stdin=MESSAGE).stdout, result.stdout)
+
+    def test_document_that_cannot_be_written_is_not_converted(self):
+        result = self.convert("--summary", "-o", "/dev/full", stdin=MESSAGE)
+        self.assert_ends(result, 2, "/dev/full: cannot be written")
+        self.assertIn("not converted: 1\n    <stdin>: /dev/full cannot be written", result.stdout)
+
+    def test_no_more_than_a_thousand_different_lines_are_listed(self):
+        lines = ["-TITLE PLAN word%d -ARCID ABC123" % number for number in range(1002)]
+        result = self.convert("--summary", "--lines", stdin="\n".join(lines + [NO_TITLE] * 2000))
+        self.assertIn(" 1 x \"ignore word\" \"word999\" \n    2 x (others)\n", result.stdout)
+        self.assertNotIn("word1000", result.stdout)
+        # Each of the 2000 has a blank line behind it.
+        self.assertIn("not converted: 3999\n", result.stdout)
+        self.assertTrue(result.stdout.endswith("    (2999 others)\n"))
+
+    def test_as_json(self):
+        result = self.convert("--summary", "--format", "json", "--lines",
+                              stdin="\n".join([MESSAGE, REPORTED.strip(), "none"]))
+        self.assertEqual(1, result.stdout.count("\n"))
+        self.assertEqual(
+            {"titles": [{"title": "PLAN", "messages": 2, "fields": 4, "unknown": 0, "diagnostics": 1,
+                         "reports": [{"count": 1, "text": '"ignore word" "stray" '}]}],
+             "total": {"messages": 2, "fields": 4, "unknown": 0, "diagnostics": 1,
+                       "notConverted": 1},
+             "notConverted": [{"file": "<stdin>:3", "text": 'there is no "-TITLE" in it; check that '
+                               "it is an ADEXP message"}]},
+            json.loads(result.stdout))
+
+
+class Quiet(CommandTest):
+
+    def test_leaves_out_reports_and_keeps_the_status(self):
+        for option in ("-q", "--quiet"):
+            self.assert_ends(self.convert(option, stdin=REPORTED), 1)
+
+    def test_tells_what_was_not_done(self):
+        self.assert_ends(self.convert("-q", stdin=NO_TITLE), 2, "<stdin>: not converted: ")
+
+
+class Json(CommandTest):
+
+    def lines(self, result):
+        return [json.loads(line) for line in result.stderr.splitlines()]
+
+    def test_each_finding_is_an_object(self):
+        result = self.convert("--format", "json", self.write("a", REPORTED))
+        self.assertEqual(1, result.returncode)
+        (finding,) = self.lines(result)
+        self.assertEqual(("a", "ignore word", "stray", 12, 17),
+                         tuple(finding[key] for key in ("file", "text", "detail", "begin", "end")))
+        self.assertIn(finding["severity"], ("warning", "error"))
+        self.assertNotIn("message", finding)
+
+    def test_messages_of_a_stream_have_their_number(self):
+        result = self.convert("--format", "json", "--lines", stdin="%s\n%s" % (MESSAGE, REPORTED))
+        (finding,) = self.lines(result)
+        self.assertEqual(("<stdin>", 2), (finding["file"], finding["message"]))
+
+    def test_what_was_not_done_is_an_object(self):
+        os.mkdir(self.path("out"))
+        os.mkdir(self.path("out/a.xml"))
+        result = self.convert("--format", "json", "-q", "-o", "out", self.write("a", GOOD),
+                              self.write("b", NO_TITLE))
+        written, converted = self.lines(result)
+        self.assertEqual({"file": "out/a.xml", "severity": "error"},
+                         {key: written[key] for key in ("file", "severity")})
+        self.assertIn("cannot be written: ", written["text"])
+        self.assertEqual({"file": "b", "severity": "error",
+                          "text": 'not converted: there is no "-TITLE" in it; check that it is an '
+                          "ADEXP message"}, converted)
+
+    def test_reports_about_the_rule_set(self):
+        settings = self.settings("other.ini", msgrules="msgrules-reported.xml")
+        result = self.run_command("convert", "--format", "json", "--settings", settings, stdin=GOOD)
+        self.assertEqual(1, result.returncode)
+        self.assertTrue(self.lines(result))
+        self.assertTrue(any("NOWHERE" in json.dumps(line) for line in self.lines(result)))
+
+    def test_rule_set_that_cannot_be_loaded(self):
+        self.write("norules.ini", "[rules]\n")
+        self.write("broken.ini", "[rules\n")
+        for settings in ("gone.ini", "norules.ini", "broken.ini"):
+            with self.subTest(settings=settings):
+                result = self.run_command("convert", "--format", "json", "--settings", settings)
+                self.assertEqual(2, result.returncode)
+                self.assertEqual((settings, "error"),
+                                 tuple(self.lines(result)[-1][key] for key in ("file", "severity")))
+
+    def test_unknown_format_is_a_wrong_argument(self):
+        self.assert_ends(self.convert("--format", "xml"), 64, "--format")
+
+    def test_quiet_leaves_out_findings(self):
+        self.assert_ends(self.convert("--format", "json", "-q", stdin=REPORTED), 1)
+
+
+if __name__ == "__main__":
+    main()
