@@ -15,30 +15,6 @@ const char* const NullWord = "dw == 0";
 const char* const GetNextFieldSignature = "QString AdexpDoc::getNextField(int, int*)";
 const char* const SetIteratorSignature = "int AdexpDoc::setIteratorToNextField(int, int)";
 
-// Between words. Without a branch, so that the compiler can look at many characters at once.
-constexpr bool isSeparator(QChar c)
-{
-    return (c == u' ') | (c == u'\n') | (c == u'\t');
-}
-
-// The words that begin in the text: the characters of words that stand behind none. Counted in
-// blocks whose count fits into the width of a character, which makes the most of each step.
-int countWords(QStringView text)
-{
-    constexpr qsizetype blockSize = 4096;
-    int count = !text.isEmpty() && !isSeparator(text.front());
-    for (qsizetype begin = 1; begin < text.size(); begin += blockSize) {
-        const QChar* const in = text.data() + begin;
-        const qsizetype size = std::min(blockSize, text.size() - begin);
-        quint16 blockCount = 0;
-        for (qsizetype i = 0; i < size; ++i)
-            blockCount =
-                static_cast<quint16>(blockCount + (!isSeparator(in[i]) & isSeparator(in[i - 1])));
-        count += blockCount;
-    }
-    return count;
-}
-
 } // namespace
 
 AdexpDoc::AdexpDoc(const QString& text)
@@ -47,27 +23,12 @@ AdexpDoc::AdexpDoc(const QString& text)
     msgParam.text = text;
     msgParam.text.remove(u'\r');
     wordListSplit();
-    lastFieldWordListIt = currWordListIt = wordList.constBegin();
+    lastFieldWordListIt = currWordListIt = wordList.cbegin();
 }
 
 void AdexpDoc::wordListSplit()
 {
-    const QChar* const begin = msgParam.text.constData();
-    const QChar* const end = begin + msgParam.text.size();
-    const auto count = static_cast<size_t>(countWords(msgParam.text));
-    m_words.reserve(count);
-    wordList.resize(static_cast<int>(count));
-
-    const QChar* in = begin;
-    for (size_t i = 0; i < count; ++i) {
-        const QChar* const wordBegin = std::find_if_not(in, end, isSeparator);
-        in = wordBegin;
-        while (in != end && !isSeparator(*in))
-            ++in;
-        m_words.push_back({QStringView(wordBegin, in), static_cast<int>(wordBegin - begin)});
-    }
-    std::transform(m_words.begin(), m_words.end(), wordList.begin(),
-                   [](DocWord& word) { return &word; });
+    splitIntoWords(msgParam.text, &wordList);
 }
 
 // Rule and header
@@ -80,7 +41,7 @@ MsgRule* AdexpDoc::search_rule(const RuleList* rules, QStringView title)
 void AdexpDoc::setRootField(const RuleList* rules)
 {
     rootField = nullptr;
-    currWordListIt = wordList.constBegin();
+    currWordListIt = wordList.cbegin();
 
     // Placeholders for the values of a message's envelope, which the library never sees. They are
     // the same in every document, and this is meant.
@@ -127,10 +88,10 @@ QByteArray AdexpDoc::toXMLString()
 // The word at the cursor, which is not at the end. Null, after a report, for a broken list.
 const DocWord* AdexpDoc::currentWord(const char* signature) const
 {
-    const DocWord* const dw = *currWordListIt;
-    if (!dw)
-        DiagnosticLine::internalError(signature, NullWord);
-    return dw;
+    if (!currWordListIt->isNull())
+        return &*currWordListIt;
+    DiagnosticLine::internalError(signature, NullWord);
+    return nullptr;
 }
 
 QStringView AdexpDoc::getNextWord(int limit, int* beginPoint)
@@ -143,12 +104,12 @@ QStringView AdexpDoc::getNextWord(int limit, int* beginPoint)
     ++currWordListIt;
     if (beginPoint)
         *beginPoint = dw->beginPoint;
-    return dw->text;
+    return textOf(dw);
 }
 
 void AdexpDoc::undoGetNextWord()
 {
-    if (currWordListIt == wordList.constBegin()) {
+    if (currWordListIt == wordList.cbegin()) {
         DiagnosticLine::internalError("void AdexpDoc::undoGetNextWord()",
                                       "currWordListIt == wordList.constBegin()");
         return;
@@ -164,14 +125,14 @@ QStringView AdexpDoc::getNextField(int limit, int* beginPoint)
             return {};
         lastFieldWordListIt = currWordListIt;
         ++currWordListIt;
-        if (!dw->isField()) {
-            addWarning(QObject::tr("ignore word"), dw->text);
+        if (!dw->isField) {
+            addWarning(QObject::tr("ignore word"), textOf(dw));
             continue;
         }
-        if (dw->text.size() > 1) {
+        if (dw->size > 1) {
             if (beginPoint)
                 *beginPoint = dw->beginPoint;
-            return dw->text;
+            return textOf(dw);
         }
         // A lone hyphen: its keyword is the next word.
         if (atEnd())
@@ -181,16 +142,27 @@ QStringView AdexpDoc::getNextField(int limit, int* beginPoint)
             currWordListIt = lastFieldWordListIt;
             return {};
         }
-        if (keyword->isField()) {
-            reportLoneHyphen(dw->text);
+        if (keyword->isField) {
+            reportLoneHyphen(textOf(dw));
             continue;
         }
         ++currWordListIt;
         if (beginPoint)
             *beginPoint = keyword->beginPoint;
-        return m_joinedWords.emplace_front(u'-' + keyword->text.toString());
+        return joinedWithHyphen(textOf(keyword));
     }
     return {};
+}
+
+// A view that lives as long as the document.
+QStringView AdexpDoc::joinedWithHyphen(QStringView keyword)
+{
+    const auto size = static_cast<size_t>(keyword.size()) + 1;
+    auto* const joined =
+        static_cast<QChar*>(m_arena.allocate(size * sizeof(QChar), alignof(QChar)));
+    *joined = u'-';
+    std::copy(keyword.begin(), keyword.end(), joined + 1);
+    return QStringView(joined, static_cast<int>(size));
 }
 
 int AdexpDoc::setIteratorToNextField(int startPoint, int endPoint)
@@ -199,7 +171,7 @@ int AdexpDoc::setIteratorToNextField(int startPoint, int endPoint)
         const DocWord* const dw = currentWord(SetIteratorSignature);
         if (!dw)
             break;
-        if (dw->isField() && dw->beginPoint >= startPoint)
+        if (dw->isField && dw->beginPoint >= startPoint)
             return dw->beginPoint;
         if (endPoint > 0 && endPoint < dw->endPoint())
             return endPoint;
@@ -240,24 +212,27 @@ void AdexpDoc::ignoreTextFromCurrentToPoint(int point)
 
 int AdexpDoc::getLastDWTextEndPoint() const
 {
-    if (currWordListIt == wordList.constBegin())
+    if (currWordListIt == wordList.cbegin())
         return -1;
-    const DocWord* const dw = *(currWordListIt - 1);
-    if (!dw) {
+    const DocWord& dw = *(currWordListIt - 1);
+    if (dw.isNull()) {
         DiagnosticLine::internalError("int AdexpDoc::getLastDWTextEndPoint() const", NullWord);
         return -1;
     }
-    return dw->endPoint();
+    return dw.endPoint();
 }
 
 int AdexpDoc::searchEndBlock(QStringView blockName, int limit, int* endWordPoint)
 {
     if (!m_endBlocks)
-        m_endBlocks.emplace(&wordList, &m_arena);
-    const auto cursor = static_cast<int>(currWordListIt - wordList.constBegin());
+        m_endBlocks.emplace(&wordList, msgParam.text, &m_arena);
+    const auto cursor = static_cast<int>(currWordListIt - wordList.cbegin());
+    const auto word = [this](int index) -> const DocWord& {
+        return wordList[static_cast<size_t>(index)];
+    };
     const EndBlockIndex::Result found = m_endBlocks->search(cursor, blockName, limit);
     for (const int hyphen : found.loneHyphens)
-        reportLoneHyphen(wordList.at(hyphen)->text);
+        reportLoneHyphen(textOf(&word(hyphen)));
     if (found.nameWord == -1) {
         if (cursor <= m_endBlocks->nullWord()) {
             // What the two operations that read on to the null word say.
@@ -267,8 +242,8 @@ int AdexpDoc::searchEndBlock(QStringView blockName, int limit, int* endWordPoint
         return -1;
     }
     if (endWordPoint)
-        *endWordPoint = wordList.at(found.endWord)->beginPoint;
-    return wordList.at(found.nameWord)->endPoint();
+        *endWordPoint = word(found.endWord).beginPoint;
+    return word(found.nameWord).endPoint();
 }
 
 // Reports
@@ -324,16 +299,16 @@ QStringView AdexpDoc::placeOf(QStringView detail) const
 
 QStringView AdexpDoc::lastRead() const
 {
-    if (currWordListIt == wordList.constBegin())
+    if (currWordListIt == wordList.cbegin())
         return {};
-    const DocWord* const last = *(currWordListIt - 1);
-    const DocWord* const first = *std::min(lastFieldWordListIt, currWordListIt - 1);
-    return QStringView(first->text.begin(), last->text.end());
+    const auto last = currWordListIt - 1;
+    const auto first = std::min(lastFieldWordListIt, last);
+    return QStringView(textOf(&*first).begin(), textOf(&*last).end());
 }
 
 QStringView AdexpDoc::firstWord() const
 {
-    return wordList.isEmpty() || !wordList.front() ? QStringView() : wordList.front()->text;
+    return wordList.empty() ? QStringView() : textOf(&wordList.front());
 }
 
 const QChar* AdexpDoc::nullTerminated(QStringView data)

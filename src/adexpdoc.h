@@ -2,6 +2,7 @@
 #define ADEXPDOC_H
 
 #include "adexpfield.h"
+#include "docword.h"
 #include "endblockindex.h"
 #include "findingobserver.h"
 #include "namedlist.h"
@@ -9,27 +10,12 @@
 #include <QByteArray>
 #include <QString>
 #include <QVarLengthArray>
-#include <QVector>
 
 #include <array>
 #include <cstddef>
-#include <forward_list>
 #include <memory_resource>
 #include <new>
 #include <optional>
-#include <vector>
-
-/// A word of the message: what stands between blanks, line feeds and tabs.
-struct DocWord
-{
-    QStringView text;   ///< the word in the message text, never empty
-    int beginPoint = 0; ///< position of its first character
-
-    /// Position behind the last character.
-    int endPoint() const { return beginPoint + static_cast<int>(text.size()); }
-    /// True for a word that begins a field.
-    bool isField() const { return text.front() == u'-'; }
-};
 
 /// The header values of a message, and its text.
 struct MsgParam
@@ -51,6 +37,12 @@ struct MsgParam
 /// document.
 class AdexpDoc
 {
+    // Words and fields, and what they hold, come from here and go away together: fields are not
+    // destroyed one by one. The first bytes serve a usual message without any memory of the heap.
+    // It stands before all that uses it.
+    alignas(std::max_align_t) std::array<std::byte, 24576> m_firstMemory;
+    std::pmr::monotonic_buffer_resource m_arena;
+
 public:
     /// Splits @p text into words. At most 2^31 - 1 UTF-16 units.
     explicit AdexpDoc(const QString& text);
@@ -142,29 +134,25 @@ public:
     /// @p data copied and ended by a null character, for the terms. Valid until the next call.
     const QChar* nullTerminated(QStringView data);
 
-    QVector<DocWord*> wordList;                            ///< the words in text order
-    QVector<DocWord*>::const_iterator lastFieldWordListIt; ///< the word last taken by getNextField
-    QVector<DocWord*>::const_iterator currWordListIt;      ///< the next word to be read
-    AdexpField* rootField = nullptr;                       ///< the root of the fields, or null
-    MsgParam msgParam;                                     ///< header values and text
-    bool isValid = true;                                   ///< nothing was reported so far
+    WordList wordList{&m_arena};                  ///< the words in text order
+    WordList::const_iterator lastFieldWordListIt; ///< the word last taken by getNextField
+    WordList::const_iterator currWordListIt;      ///< the next word to be read
+    AdexpField* rootField = nullptr;              ///< the root of the fields, or null
+    MsgParam msgParam;                            ///< header values and text
+    bool isValid = true;                          ///< nothing was reported so far
 
 private:
     void wordListSplit();
-    bool atEnd() const { return currWordListIt == wordList.constEnd(); }
+    bool atEnd() const { return currWordListIt == wordList.cend(); }
+    QStringView textOf(const DocWord* word) const { return word->textIn(msgParam.text); }
     const DocWord* currentWord(const char* signature) const;
+    QStringView joinedWithHyphen(QStringView keyword);
     void reportLoneHyphen(QStringView hyphen);
     void report(QStringView place, const QString& message, QStringView detail, Severity severity);
     QStringView placeOf(QStringView detail) const;
     QStringView firstWord() const;
 
-    // Words and fields, and what they hold, come from here and go away together: fields are not
-    // destroyed one by one. The first bytes serve a usual message without any memory of the heap.
-    alignas(std::max_align_t) std::array<std::byte, 24576> m_firstMemory;
-    std::pmr::monotonic_buffer_resource m_arena;
-    std::pmr::vector<DocWord> m_words{&m_arena};  // what wordList points to
     std::optional<EndBlockIndex> m_endBlocks;     // made by the first searchEndBlock()
-    std::forward_list<QString> m_joinedWords;     // keywords put together from hyphen and word
     QVarLengthArray<QChar, 128> m_nullTerminated; // the copy of nullTerminated()
     size_t m_fieldCount = 0;
 };

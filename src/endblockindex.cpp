@@ -1,19 +1,20 @@
 #include "endblockindex.h"
 
-#include "adexpdoc.h"
-
 #include <algorithm>
 
-EndBlockIndex::EndBlockIndex(const QVector<DocWord*>* words, std::pmr::memory_resource* arena)
-    : m_words(words), m_fields(arena), m_ends(arena), m_loneHyphens(arena)
+EndBlockIndex::EndBlockIndex(const WordList* words, QStringView message,
+                             std::pmr::memory_resource* arena)
+    : m_words(words), m_message(message), m_fields(arena), m_ends(arena), m_loneHyphens(arena)
 {
-    m_fields.reserve(static_cast<size_t>(words->size()) / 2);
-    for (int i = 0; i < words->size(); ++i) {
-        if (!word(i)) {
+    const auto isField = [](const DocWord& word) { return word.isField; };
+    m_fields.reserve(static_cast<size_t>(std::count_if(words->cbegin(), words->cend(), isField)));
+    const auto count = static_cast<int>(words->size());
+    for (int i = 0; i < count; ++i) {
+        if (word(i).isNull()) {
             m_nullWord = i;
             break;
         }
-        if (!word(i)->isField())
+        if (!word(i).isField)
             continue;
         FieldWord field{i, static_cast<int>(m_fields.size()), 0, Kind::Field};
         field.kind = kindOf(i, &field.nameOffset);
@@ -39,23 +40,26 @@ EndBlockIndex::EndBlockIndex(const QVector<DocWord*>* words, std::pmr::memory_re
 // nothing.
 EndBlockIndex::Kind EndBlockIndex::kindOf(int index, unsigned char* nameOffset) const
 {
-    const auto at = [this](int i) { return i < m_words->size() ? word(i) : nullptr; };
-    if (word(index)->text.size() > 1) {
+    const auto isWord = [this](int i) {
+        return static_cast<size_t>(i) < m_words->size() && !word(i).isNull();
+    };
+    if (word(index).size > 1) {
         *nameOffset = 1;
-        return word(index)->text == u"-END" && at(index + 1) ? Kind::End : Kind::Field;
+        return textOf(index) == u"-END" && isWord(index + 1) ? Kind::End : Kind::Field;
     }
-    const DocWord* const keyword = at(index + 1);
-    if (keyword && keyword->isField())
+    if (!isWord(index + 1))
+        return Kind::Field;
+    if (word(index + 1).isField)
         return Kind::LoneHyphen;
     *nameOffset = 2;
-    return keyword && keyword->text == u"END" && at(index + 2) ? Kind::End : Kind::Field;
+    return textOf(index + 1) == u"END" && isWord(index + 2) ? Kind::End : Kind::Field;
 }
 
 // Is it an end that takes the field word behind it for its name?
 bool EndBlockIndex::takesFieldWord(size_t field) const
 {
     const FieldWord& f = m_fields[field];
-    return f.kind == Kind::End && word(f.word + f.nameOffset)->isField();
+    return f.kind == Kind::End && word(f.word + f.nameOffset).isField;
 }
 
 // Does a look ahead that starts before the run pass here, or is this a name to it?
@@ -67,13 +71,13 @@ bool EndBlockIndex::isOnTheWay(size_t field) const
 // The name of the block that the end ends.
 QStringView EndBlockIndex::nameOf(size_t end) const
 {
-    return word(m_fields[end].word + m_fields[end].nameOffset)->text;
+    return textOf(m_fields[end].word + m_fields[end].nameOffset);
 }
 
 bool EndBlockIndex::isLoneHyphenWithin(size_t field, int limit) const
 {
     const FieldWord& f = m_fields[field];
-    return f.kind == Kind::LoneHyphen && word(f.word + 1)->beginPoint <= limit;
+    return f.kind == Kind::LoneHyphen && word(f.word + 1).beginPoint <= limit;
 }
 
 EndBlockIndex::Result EndBlockIndex::search(int cursor, QStringView name, int limit) const
@@ -109,7 +113,7 @@ EndBlockIndex::Result EndBlockIndex::search(int cursor, QStringView name, int li
     if (end != m_fields.size()) {
         const FieldWord& f = m_fields[end];
         const int nameWord = f.word + f.nameOffset;
-        if (word(nameWord)->beginPoint <= limit) {
+        if (word(nameWord).beginPoint <= limit) {
             result.endWord = f.word;
             result.nameWord = nameWord;
         }

@@ -1,13 +1,10 @@
 #ifndef ENDBLOCKINDEX_H
 #define ENDBLOCKINDEX_H
 
-#include <QStringView>
-#include <QVector>
+#include "docword.h"
 
 #include <memory_resource>
 #include <vector>
-
-struct DocWord;
 
 /// Finds the end of a block without reading the message again for each "-BEGIN".
 ///
@@ -20,9 +17,9 @@ struct DocWord;
 class EndBlockIndex
 {
 public:
-    /// An index over @p words (not owned), which must stay, up to the first null among them.
-    /// It takes its memory from @p arena, which must stay as well.
-    EndBlockIndex(const QVector<DocWord*>* words, std::pmr::memory_resource* arena);
+    /// An index over @p words (not owned) of @p message, which both must stay, up to the first null
+    /// among them. It takes its memory from @p arena, which must stay as well.
+    EndBlockIndex(const WordList* words, QStringView message, std::pmr::memory_resource* arena);
 
     /// The index of the first null among the words, where each look ahead stops; -1: there is none.
     int nullWord() const { return m_nullWord; }
@@ -53,11 +50,13 @@ private:
     Kind kindOf(int word, unsigned char* nameOffset) const;
     bool takesFieldWord(size_t field) const;
     bool isOnTheWay(size_t field) const;
-    const DocWord* word(int index) const { return m_words->at(index); }
+    const DocWord& word(int index) const { return (*m_words)[static_cast<size_t>(index)]; }
+    QStringView textOf(int index) const { return word(index).textIn(m_message); }
     QStringView nameOf(size_t field) const;
     bool isLoneHyphenWithin(size_t field, int limit) const;
 
-    const QVector<DocWord*>* m_words;
+    const WordList* m_words;
+    QStringView m_message;
     std::pmr::vector<FieldWord> m_fields;
     int m_nullWord = -1;
     std::pmr::vector<size_t> m_ends;        // on the way, sorted by name; indexes into m_fields

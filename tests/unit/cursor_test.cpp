@@ -30,19 +30,19 @@ struct Cursor
     explicit Cursor(const QString& message) : doc(message) {}
 
     // The index of the word at the cursor.
-    int index() const { return static_cast<int>(doc.currWordListIt - doc.wordList.constBegin()); }
+    int index() const { return static_cast<int>(doc.currWordListIt - doc.wordList.cbegin()); }
 
-    void moveTo(int wordIndex) { doc.currWordListIt = doc.wordList.constBegin() + wordIndex; }
+    void moveTo(int wordIndex) { doc.currWordListIt = doc.wordList.cbegin() + wordIndex; }
 
-    bool atEnd() const { return doc.currWordListIt == doc.wordList.constEnd(); }
+    bool atEnd() const { return doc.currWordListIt == doc.wordList.cend(); }
 
     // Breaks the invariant that no word is null.
     void removeWord(int wordIndex)
     {
         const int current = index();
-        doc.wordList[wordIndex] = nullptr;
+        doc.wordList[static_cast<size_t>(wordIndex)] = DocWord();
         moveTo(current);
-        doc.lastFieldWordListIt = doc.wordList.constBegin();
+        doc.lastFieldWordListIt = doc.wordList.cbegin();
     }
 
     Lines reports() const { return linesOf(diagnostics); }
@@ -135,7 +135,7 @@ TEST(CursorNextField, ReportsEachWordBeforeIt)
     EXPECT_EQ(pos, 6);
     EXPECT_EQ(c.reports(), (Lines{"\"ignore word\" \"A\" ", "\"ignore word\" \"B-C\" "}));
     EXPECT_FALSE(c.doc.isValid);
-    EXPECT_TRUE(c.doc.lastFieldWordListIt == c.doc.wordList.constBegin() + 2);
+    EXPECT_TRUE(c.doc.lastFieldWordListIt == c.doc.wordList.cbegin() + 2);
 }
 
 TEST(CursorNextField, IsDeliveredIfItBeginsAtTheLimit)
@@ -152,7 +152,7 @@ TEST(CursorNextField, BehindTheLimitMovesNothing)
     c.moveTo(1);
     EXPECT_TRUE(c.doc.getNextField(1, nullptr).isNull());
     EXPECT_EQ(c.index(), 1);
-    EXPECT_TRUE(c.doc.lastFieldWordListIt == c.doc.wordList.constBegin());
+    EXPECT_TRUE(c.doc.lastFieldWordListIt == c.doc.wordList.cbegin());
 }
 
 TEST(CursorNextField, IsNullWithoutFieldWord)
@@ -170,7 +170,7 @@ TEST(CursorNextField, JoinsALoneHyphenWithItsKeyword)
     EXPECT_EQ(text(c.doc.getNextField(Far, &pos)), "-TITLE");
     EXPECT_EQ(pos, 4);
     EXPECT_EQ(c.index(), 2);
-    EXPECT_TRUE(c.doc.lastFieldWordListIt == c.doc.wordList.constBegin());
+    EXPECT_TRUE(c.doc.lastFieldWordListIt == c.doc.wordList.cbegin());
     EXPECT_EQ(c.reports(), Lines());
 }
 
@@ -458,11 +458,11 @@ Found searchEnd(const QString& message, int wordIndex, QStringView name, int lim
 {
     Cursor c(message);
     c.moveTo(wordIndex);
-    c.doc.lastFieldWordListIt = c.doc.wordList.constBegin();
+    c.doc.lastFieldWordListIt = c.doc.wordList.cbegin();
     Found found{0, -7, {}};
     found.end = c.doc.searchEndBlock(name, limit, &found.endWord);
     EXPECT_EQ(c.index(), wordIndex);
-    EXPECT_TRUE(c.doc.lastFieldWordListIt == c.doc.wordList.constBegin());
+    EXPECT_TRUE(c.doc.lastFieldWordListIt == c.doc.wordList.cbegin());
     found.reports = c.reports();
     return found;
 }

@@ -17,8 +17,9 @@ using Words = std::vector<std::pair<std::string, int>>;
 Words wordsOf(const AdexpDoc& doc)
 {
     Words words;
-    for (const DocWord* word : doc.wordList)
-        words.emplace_back(word->text.toString().toStdString(), word->beginPoint);
+    for (const DocWord& word : doc.wordList)
+        words.emplace_back(word.textIn(doc.msgParam.text).toString().toStdString(),
+                           word.beginPoint);
     return words;
 }
 
@@ -44,16 +45,16 @@ TEST(Document, CarriageReturnsGoWhereverTheyStand)
 TEST(Document, EmptyTextHasNoWords)
 {
     const AdexpDoc doc{QString()};
-    EXPECT_TRUE(doc.wordList.isEmpty());
-    EXPECT_TRUE(doc.currWordListIt == doc.wordList.constEnd());
+    EXPECT_TRUE(doc.wordList.empty());
+    EXPECT_TRUE(doc.currWordListIt == doc.wordList.cend());
 }
 
 TEST(Document, TextOfSeparatorsHasNoWords)
 {
     const AdexpDoc doc(QStringLiteral(" \n\t\r\n "));
-    EXPECT_TRUE(doc.wordList.isEmpty());
-    EXPECT_TRUE(doc.currWordListIt == doc.wordList.constEnd());
-    EXPECT_TRUE(doc.lastFieldWordListIt == doc.wordList.constEnd());
+    EXPECT_TRUE(doc.wordList.empty());
+    EXPECT_TRUE(doc.currWordListIt == doc.wordList.cend());
+    EXPECT_TRUE(doc.lastFieldWordListIt == doc.wordList.cend());
 }
 
 TEST(Document, RunsOfSeparatorsMakeNoWords)
@@ -87,8 +88,8 @@ TEST(Document, OtherWhiteSpaceIsPartOfAWord)
 TEST(Document, NullCharacterIsPartOfAWord)
 {
     const AdexpDoc doc(QString(u'A') + QChar() + u'B');
-    ASSERT_EQ(doc.wordList.size(), 1);
-    EXPECT_EQ(doc.wordList.first()->text.size(), 3);
+    ASSERT_EQ(doc.wordList.size(), 1u);
+    EXPECT_EQ(doc.wordList.front().size, 3u);
 }
 
 TEST(Document, PositionsCountUtf16Units)
@@ -99,10 +100,10 @@ TEST(Document, PositionsCountUtf16Units)
 TEST(Document, WordKnowsItsEnd)
 {
     const AdexpDoc doc(QStringLiteral(" -TITLE IFPL"));
-    EXPECT_EQ(doc.wordList.at(0)->endPoint(), 7);
-    EXPECT_EQ(doc.wordList.at(1)->endPoint(), 12);
-    EXPECT_TRUE(doc.wordList.at(0)->isField());
-    EXPECT_FALSE(doc.wordList.at(1)->isField());
+    EXPECT_EQ(doc.wordList.at(0).endPoint(), 7);
+    EXPECT_EQ(doc.wordList.at(1).endPoint(), 12);
+    EXPECT_TRUE(doc.wordList.at(0).isField);
+    EXPECT_FALSE(doc.wordList.at(1).isField);
 }
 
 TEST(Document, StartsValidAtTheFirstWordAndWithoutRootAndHeader)
@@ -110,8 +111,8 @@ TEST(Document, StartsValidAtTheFirstWordAndWithoutRootAndHeader)
     const DiagnosticCapture diagnostics;
     const AdexpDoc doc(QStringLiteral("-TITLE IFPL"));
     EXPECT_TRUE(doc.isValid);
-    EXPECT_TRUE(doc.currWordListIt == doc.wordList.constBegin());
-    EXPECT_TRUE(doc.lastFieldWordListIt == doc.wordList.constBegin());
+    EXPECT_TRUE(doc.currWordListIt == doc.wordList.cbegin());
+    EXPECT_TRUE(doc.lastFieldWordListIt == doc.wordList.cbegin());
     EXPECT_EQ(doc.rootField, nullptr);
     EXPECT_EQ(doc.msgParam.title, QString());
     EXPECT_EQ(doc.msgParam.rating, QString());

@@ -15,7 +15,7 @@ int searchEndBlockByReading(AdexpDoc* doc, const QString& name, int limit, int* 
     const auto lastField = doc->lastFieldWordListIt;
     const auto current = doc->currWordListIt;
     int endPoint = -1;
-    while (doc->currWordListIt != doc->wordList.constEnd()) {
+    while (doc->currWordListIt != doc->wordList.cend()) {
         doc->setIteratorToNextField(0, 0);
         const QStringView field = doc->getNextField(limit, nullptr);
         if (field.isEmpty())
@@ -29,7 +29,7 @@ int searchEndBlockByReading(AdexpDoc* doc, const QString& name, int limit, int* 
             break;
         if (word == name) {
             endPoint = namePoint + static_cast<int>(word.size());
-            *endWordPoint = (*endWord)->beginPoint;
+            *endWordPoint = endWord->beginPoint;
             break;
         }
     }
@@ -55,7 +55,7 @@ struct Answer
 void compareSearches(const QString& text)
 {
     AdexpDoc doc(text);
-    for (auto cursor = doc.wordList.constBegin(); cursor != doc.wordList.constEnd(); ++cursor) {
+    for (auto cursor = doc.wordList.cbegin(); cursor != doc.wordList.cend(); ++cursor) {
         doc.currWordListIt = doc.lastFieldWordListIt = cursor;
         for (const char* name : {"A", "-END", "-", "END", "-A", "X"}) {
             for (int limit = 0; limit <= text.size(); ++limit) {
@@ -74,7 +74,7 @@ void compareSearches(const QString& text)
                     found.reports = capture.lines().size();
                 }
                 ASSERT_TRUE(expected == found)
-                    << text.toStdString() << " from word " << (cursor - doc.wordList.constBegin())
+                    << text.toStdString() << " from word " << (cursor - doc.wordList.cbegin())
                     << " name " << name << " limit " << limit << ": " << expected.endPoint << '/'
                     << found.endPoint << ", " << expected.endWordPoint << '/' << found.endWordPoint
                     << ", " << expected.reports << '/' << found.reports;

@@ -274,7 +274,7 @@ TEST_F(FieldTree, RootWithoutTermParsesNothing)
     AdexpField* const root = rootOf(QStringLiteral("-ARCID ABC"), u"T", nullptr);
     root->parse();
     EXPECT_TRUE(root->subFields.empty());
-    EXPECT_TRUE(doc->currWordListIt == doc->wordList.constBegin());
+    EXPECT_TRUE(doc->currWordListIt == doc->wordList.cbegin());
     EXPECT_EQ(reports(), Lines());
 }
 
