@@ -76,10 +76,10 @@ void AdexpDoc::parse()
         rootField->parse();
 }
 
-QByteArray AdexpDoc::toXMLString()
+XmlDocument AdexpDoc::toXMLString()
 {
     if (!rootField || !rootField->fieldTerm || rootField->fieldTerm->type() != TermTypeMsgRule)
-        return QByteArray();
+        return {};
     return static_cast<const MsgRule*>(rootField->fieldTerm)->toXMLString(this);
 }
 

@@ -6,8 +6,8 @@
 #include "endblockindex.h"
 #include "findingobserver.h"
 #include "namedlist.h"
+#include "xmldocument.h"
 
-#include <QByteArray>
 #include <QString>
 #include <QVarLengthArray>
 
@@ -62,7 +62,7 @@ public:
     void parse();
 
     /// The output document as UTF-8; empty if there is no root or no rule for the title.
-    QByteArray toXMLString();
+    XmlDocument toXMLString();
 
     /// @name Cursor
     /// A word or field is delivered only if it begins at or before @p limit. Null means none was.

@@ -2,7 +2,6 @@
 
 #include "adexp.h"
 #include "diagnosticline.h"
-#include "largememory.h"
 #include "mainclass.h"
 #include "qtmemory.h"
 
@@ -58,20 +57,13 @@ QString decode(const char* text, unsigned int length)
 }
 
 // The result for the caller: the bytes, a terminating NUL, made with new[]. Null if there are none.
-const char* copyForCaller(const QByteArray& xml, unsigned int* outLength)
+const char* giveToCaller(XmlDocument document, unsigned int* outLength)
 {
-    const auto size = static_cast<size_t>(xml.size());
-    if (size == 0)
-        return nullptr;
-    if (size > UINT_MAX) // outLength could not tell it
+    if (document.size() > UINT_MAX) // outLength could not tell it
         throw std::bad_alloc();
-    char* const result = new char[size + 1];
-    LargeMemory::advise(result, size);
-    std::memcpy(result, xml.constData(), size);
-    result[size] = '\0';
     if (outLength)
-        *outLength = static_cast<unsigned int>(size);
-    return result;
+        *outLength = static_cast<unsigned int>(document.size());
+    return document.release();
 }
 
 } // namespace
@@ -102,7 +94,7 @@ try {
         init_adexp(nullptr, 0); // whatever it could load is used
     if (!mc)
         return nullptr; // no memory
-    return copyForCaller(mc->charAdexpToCharXml(decode(text, length)), outLength);
+    return giveToCaller(mc->charAdexpToCharXml(decode(text, length)), outLength);
 } catch (...) {
     return nullptr;
 }

@@ -7,7 +7,6 @@
 
 namespace {
 
-constexpr std::size_t LargeBlock = std::size_t(4) << 20;
 constexpr std::size_t PageSize = std::size_t(2) << 20;
 
 class Heap : public std::pmr::memory_resource

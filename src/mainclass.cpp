@@ -265,7 +265,7 @@ void MainClass::termsList_checkConfig()
     }));
 }
 
-QByteArray MainClass::charAdexpToCharXml(const QString& text)
+XmlDocument MainClass::charAdexpToCharXml(const QString& text)
 {
     AdexpDoc doc(text);
     doc.setRootField(&msgRules);

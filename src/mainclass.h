@@ -2,8 +2,8 @@
 #define MAINCLASS_H
 
 #include "namedlist.h"
+#include "xmldocument.h"
 
-#include <QByteArray>
 #include <QObject>
 #include <QString>
 
@@ -52,7 +52,7 @@ public:
     static TermStd* termsList_search(const TermList* list, const QString& name);
 
     /// Converts one message. Returns the document as UTF-8, empty if there is none.
-    QByteArray charAdexpToCharXml(const QString& text);
+    XmlDocument charAdexpToCharXml(const QString& text);
 
     TermList termsList; ///< the named terms of the three term files, in load order
     RuleList msgRules;  ///< the message rules in file order

@@ -20,7 +20,7 @@ bool MsgRule::isContainsCompoundField() const
     return true;
 }
 
-QByteArray MsgRule::toXMLString(AdexpDoc* doc) const
+XmlDocument MsgRule::toXMLString(AdexpDoc* doc) const
 {
     // The text stands in the document twice, and 150 bytes are what a field takes with its tags. In
     // a message that is full of characters to be escaped the buffer grows.

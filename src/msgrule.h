@@ -2,8 +2,7 @@
 #define MSGRULE_H
 
 #include "termexpression.h"
-
-#include <QByteArray>
+#include "xmldocument.h"
 
 class AdexpDoc;
 class MainClass;
@@ -24,7 +23,7 @@ public:
     bool isContainsCompoundField() const override;
 
     /// The output document of @p doc (not null), a message parsed against this rule, as UTF-8.
-    QByteArray toXMLString(AdexpDoc* doc) const;
+    XmlDocument toXMLString(AdexpDoc* doc) const;
 
     /// Writes that document to @p writer.
     void packDoc(AdexpDoc* doc, XmlWriter* writer) const;

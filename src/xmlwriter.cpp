@@ -5,8 +5,7 @@
 
 #include <algorithm>
 #include <array>
-#include <limits>
-#include <new>
+#include <utility>
 
 namespace {
 
@@ -165,29 +164,33 @@ char* putEscaped(char* out, QStringView text, qsizetype* from, qsizetype to, boo
 
 } // namespace
 
-XmlWriter::XmlWriter(qsizetype expectedSize) : m_out(m_buffer.data()), m_end(m_out)
+XmlWriter::XmlWriter(qsizetype expectedSize)
 {
-    // An expectation above what a QByteArray of Qt 5 holds must not fail: the document may be
-    // smaller.
+    useSmallBuffer();
+    // The document may be smaller than expected: asking for very much must not fail.
     constexpr qsizetype most = qsizetype(1) << 30;
-    grow(std::min(expectedSize, most));
+    room(std::min(expectedSize, most));
 }
 
-// Enlarges the buffer so that `bytes` more bytes fit.
+void XmlWriter::useSmallBuffer()
+{
+    m_begin = m_out = m_small.data();
+    m_end = m_begin + m_small.size();
+}
+
+// Moves to a buffer in which `bytes` more bytes fit.
 void XmlWriter::grow(qsizetype bytes)
 {
-    // The size type of QByteArray is that of the Qt in use, 32 bits in Qt 5.
-    using Size = decltype(m_buffer.size());
-    constexpr qsizetype limit = std::numeric_limits<Size>::max() - 64;
-    const qsizetype used = size();
-    const qsizetype capacity = m_buffer.size();
-    if (bytes > limit - used)
-        throw std::bad_alloc();
-    const qsizetype grown = std::min(limit, std::max(used + bytes, capacity * 2));
-    m_buffer.resize(static_cast<Size>(grown));
-    LargeMemory::advise(m_buffer.data() + used, static_cast<size_t>(grown - used));
-    m_out = m_buffer.data() + used;
-    m_end = m_buffer.data() + grown;
+    const auto used = static_cast<size_t>(size());
+    const size_t grown =
+        std::max(used + static_cast<size_t>(bytes), static_cast<size_t>(m_end - m_begin) * 2);
+    std::unique_ptr<char[]> buffer(new char[grown]);
+    LargeMemory::advise(buffer.get(), grown);
+    std::memcpy(buffer.get(), m_begin, used);
+    m_large = std::move(buffer);
+    m_begin = m_large.get();
+    m_out = m_begin + used;
+    m_end = m_begin + grown;
 }
 
 char* XmlWriter::breakLineAndIndent(char* out) const
@@ -211,7 +214,7 @@ void XmlWriter::startElement(QStringView name)
     }
     *out++ = '<';
     char* const nameEnd = putName(out, name);
-    m_open.append({out - m_buffer.constData(), nameEnd - out, Content::None});
+    m_open.append({out - m_begin, nameEnd - out, Content::None});
     m_out = nameEnd;
 }
 
@@ -227,7 +230,7 @@ void XmlWriter::endElement()
     if (element.lastContent == Content::Element)
         out = breakLineAndIndent(out);
     const auto nameSize = static_cast<size_t>(element.nameSize);
-    out = copyBytes(copyBytes(out, "</"), {m_buffer.constData() + element.nameBegin, nameSize});
+    out = copyBytes(copyBytes(out, "</"), {m_begin + element.nameBegin, nameSize});
     *out++ = '>';
     m_out = out;
 }
@@ -259,13 +262,18 @@ void XmlWriter::text(QStringView text)
     }
 }
 
-QByteArray XmlWriter::takeDocument()
+XmlDocument XmlWriter::takeDocument()
 {
-    *room(1) = '\n';
-    ++m_out;
-    m_buffer.truncate(static_cast<decltype(m_buffer.size())>(size()));
-    QByteArray document;
-    document.swap(m_buffer);
-    m_out = m_end = m_buffer.data();
-    return document;
+    char* const end = copyBytes(room(2), {"\n", 2}); // with its null byte
+    const auto size = static_cast<size_t>(end - m_begin);
+    std::unique_ptr<char[]> bytes = std::move(m_large);
+    // The copy spares the caller the unused rest of the buffer. That of a very large one never
+    // became memory, and a tenth of the conversion would go into the copy.
+    if (size < LargeMemory::LargeBlock) {
+        std::unique_ptr<char[]> copy(new char[size]);
+        std::memcpy(copy.get(), m_begin, size);
+        bytes = std::move(copy);
+    }
+    useSmallBuffer();
+    return XmlDocument(std::move(bytes), size - 1);
 }

@@ -1,12 +1,16 @@
 #ifndef XMLWRITER_H
 #define XMLWRITER_H
 
-#include <QByteArray>
+#include "xmldocument.h"
+
 #include <QStringView>
 #include <QVarLengthArray>
 
+#include <array>
 #include <charconv>
+#include <cstddef>
 #include <cstring>
+#include <memory>
 #include <string_view>
 
 /// Copies @p bytes to @p out, where there is room for them. Returns the end of the copy.
@@ -32,8 +36,8 @@ inline char* copyBytes(char* out, std::string_view bytes)
 class XmlWriter
 {
 public:
-    /// A writer for a document of about @p expectedSize bytes, for which it takes the memory at
-    /// once.
+    /// A writer for a document of about @p expectedSize bytes. It takes the memory for a large
+    /// document at once.
     explicit XmlWriter(qsizetype expectedSize);
 
     /// Opens an element in the current one. @p name must not be empty.
@@ -67,16 +71,15 @@ public:
     /// Closes the current element.
     void endElement();
 
-    /// The whole document as UTF-8; the writer is empty afterwards. Call it when every element is
-    /// closed.
-    QByteArray takeDocument();
+    /// The whole document; the writer is empty afterwards. Call it when every element is closed.
+    XmlDocument takeDocument();
 
 private:
     enum class Content { None, Text, Element };
 
     struct OpenElement
     {
-        qsizetype nameBegin; // the name in m_buffer, for the end tag
+        qsizetype nameBegin; // the name in the buffer, for the end tag
         qsizetype nameSize;
         Content lastContent;
     };
@@ -97,15 +100,21 @@ private:
         return m_out;
     }
     void grow(qsizetype bytes);
-    qsizetype size() const { return m_out - m_buffer.constData(); }
+    void useSmallBuffer();
+    qsizetype size() const { return m_out - m_begin; }
     qsizetype indentRoom() const { return 1 + static_cast<qsizetype>(m_open.size()) * IndentWidth; }
     char* breakLineAndIndent(char* out) const;
 
     static constexpr qsizetype IndentWidth = 4;
 
-    QByteArray m_buffer;
-    char* m_out; // where to write next in m_buffer
-    char* m_end; // behind the last byte of m_buffer
+    // A usual document is written here, and then copied to memory of its size; one that does not
+    // fit is written to m_large.
+    std::array<char, 32768> m_small;
+    std::unique_ptr<char[]> m_large;
+
+    char* m_begin; // of the buffer in use
+    char* m_out;   // where to write next in it
+    char* m_end;   // behind its last byte
     QVarLengthArray<OpenElement, 16> m_open;
 };
 

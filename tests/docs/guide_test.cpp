@@ -23,6 +23,7 @@
 #include <memory>
 #include <ostream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace {
@@ -281,9 +282,10 @@ TEST_P(ReportBlock, IsReportedAsItSays)
 }
 
 // The lines of the message's element in a document, without the indent.
-QStringList messageElement(const QByteArray& document)
+QStringList messageElement(std::string_view document)
 {
-    QStringList lines = QString::fromUtf8(document).split(u'\n').mid(1);
+    QStringList lines =
+        QString::fromUtf8(document.data(), static_cast<int>(document.size())).split(u'\n').mid(1);
     const auto originalText =
         lines.indexOf(QRegularExpression(QStringLiteral("^    <ORIGINAL_TEXT>.*")));
     lines = lines.mid(0, originalText);
@@ -302,9 +304,10 @@ TEST_P(ConvertBlock, ConvertsAsItSays)
     EXPECT_EQ(joined(rules.reports), "");
 
     const DiagnosticCapture diagnostics;
-    const QByteArray document =
+    const XmlDocument document =
         rules.converter.charAdexpToCharXml(sections[QStringLiteral("message")].join(u'\n'));
-    EXPECT_EQ(joined(messageElement(document)), joined(sections[QStringLiteral("document")]));
+    EXPECT_EQ(joined(messageElement(document.view())),
+              joined(sections[QStringLiteral("document")]));
     QStringList reports;
     for (const DiagnosticCapture::Line& line : diagnostics.lines())
         reports.append(line.text.trimmed());
