@@ -3,6 +3,9 @@
 
 #include "docword.h"
 
+#include <cstddef>
+#include <cstring>
+#include <map>
 #include <memory_resource>
 #include <vector>
 
@@ -36,31 +39,44 @@ public:
     Result search(int cursor, QStringView name, int limit) const;
 
 private:
-    enum class Kind : unsigned char { Field, End, LoneHyphen };
+    enum class Kind : unsigned char { End, LoneHyphen };
 
-    // A word that begins with a hyphen.
-    struct FieldWord
+    // A field word that a look ahead does not just pass.
+    struct Stop
     {
-        int word;     // its index
-        int runStart; // first of the ends right before it of which each is the name of the last
+        int word;                 // its index
+        size_t runStart;          // first of the ends right before it, each the name of the last
         unsigned char nameOffset; // of an end: from its index to that of its name
         Kind kind;
     };
 
-    Kind kindOf(int word, unsigned char* nameOffset) const;
-    bool takesFieldWord(size_t field) const;
-    bool isOnTheWay(size_t field) const;
+    // Any order does. This one sees most names apart by their length.
+    struct Less
+    {
+        bool operator()(QStringView a, QStringView b) const
+        {
+            if (a.size() != b.size())
+                return a.size() < b.size();
+            return std::memcmp(a.data(), b.data(), static_cast<size_t>(a.size()) * sizeof(QChar)) <
+                   0;
+        }
+    };
+
+    bool isStop(int word, Stop* stop) const;
+    bool isOnTheWay(size_t stop) const;
     const DocWord& word(int index) const { return (*m_words)[static_cast<size_t>(index)]; }
     QStringView textOf(int index) const { return word(index).textIn(m_message); }
-    QStringView nameOf(size_t field) const;
-    bool isLoneHyphenWithin(size_t field, int limit) const;
+    static int nameWord(const Stop& stop) { return stop.word + stop.nameOffset; }
+    QStringView nameOf(const Stop& end) const { return textOf(nameWord(end)); }
+    bool isLoneHyphenWithin(size_t stop, int limit) const;
 
     const WordList* m_words;
     QStringView m_message;
-    std::pmr::vector<FieldWord> m_fields;
+    std::pmr::vector<Stop> m_stops;
     int m_nullWord = -1;
-    std::pmr::vector<size_t> m_ends;        // on the way, sorted by name; indexes into m_fields
-    std::pmr::vector<size_t> m_loneHyphens; // on the way; indexes into m_fields
+    // Those on the way, as indexes into m_stops: the ends by name, and the hyphens.
+    std::pmr::map<QStringView, std::pmr::vector<size_t>, Less> m_ends;
+    std::pmr::vector<size_t> m_loneHyphens;
 };
 
 #endif
