@@ -101,6 +101,7 @@ private:
     TermExpression(const ConfigInfo* record, int nesting, NotCompiled);
 
     void fullExprList();
+    void reserveTerms();
     bool compileTerms(QString* pendingWord);
     void readWord(QString* pendingWord);
     bool compileLiteral(QString* pendingWord);
