@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <random>
 #include <string>
 #include <utility>
 #include <vector>
@@ -95,6 +97,40 @@ TEST(Document, NullCharacterIsPartOfAWord)
 TEST(Document, PositionsCountUtf16Units)
 {
     EXPECT_EQ(wordsOf(QStringLiteral(u"\U0001F6E9 B")), (Words{{"\U0001F6E9", 0}, {"B", 3}}));
+}
+
+// What splitting does, one character after the other.
+Words wordsByReading(const QString& text)
+{
+    Words words;
+    QString word;
+    for (int i = 0; i <= text.size(); ++i) {
+        if (i < text.size() && !QStringLiteral(" \n\t").contains(text.at(i))) {
+            word += text.at(i);
+        } else if (!word.isEmpty()) {
+            words.emplace_back(word.toStdString(), i - static_cast<int>(word.size()));
+            word.clear();
+        }
+    }
+    return words;
+}
+
+// The document looks at 64 characters at a time; words begin, end and go on at any of them.
+TEST(Document, WordsAreTheSameAtAnyPlace)
+{
+    const QString characters = QStringLiteral(" \n\tAB-CD");
+    std::mt19937 random(7);
+    for (int length = 0; length <= 200; ++length) {
+        for (const unsigned choice : {8u, 30u, 200u}) { // words of some, of many characters
+            QString text;
+            for (int i = 0; i < length; ++i)
+                text += characters.at(static_cast<int>(std::min(random() % choice, 7ul)));
+            const AdexpDoc doc(text);
+            ASSERT_EQ(wordsOf(doc), wordsByReading(text)) << text.toStdString();
+            for (const DocWord& word : doc.wordList)
+                ASSERT_EQ(word.isField, text.at(word.beginPoint) == u'-') << text.toStdString();
+        }
+    }
 }
 
 TEST(Document, WordKnowsItsEnd)
