@@ -51,6 +51,12 @@ void printUnknownName(const QString& name)
     printError(name.toStdString(), text);
 }
 
+bool isCompound(const TermStd* definition)
+{
+    const bool isField = definition->containsField || definition->type() == TermTypeMsgRule;
+    return isField && (definition->compoundField || definition->isContainsCompoundField());
+}
+
 QStringList referencesOf(const TermStd* definition)
 {
     QStringList names;

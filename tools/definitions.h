@@ -18,6 +18,10 @@ std::vector<TermStd*> definitionsNamed(const QString& name);
 /// Reports that there is no definition @p name, and the nearest name there is.
 void printUnknownName(const QString& name);
 
+/// True if the data of @p definition (loaded) is made of fields. Simple terms are not asked: they
+/// refer to no field, and the library's answer follows every path through their references.
+bool isCompound(const TermStd* definition);
+
 /// The names that @p definition refers to, in text order, none twice.
 QStringList referencesOf(const TermStd* definition);
 

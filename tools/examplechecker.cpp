@@ -1,6 +1,7 @@
 #include "examplechecker.h"
 
 #include "adexpdoc.h"
+#include "definitions.h"
 #include "diagnosticcollector.h"
 #include "mainclass.h"
 #include "msgrule.h"
@@ -11,11 +12,6 @@
 #include <algorithm>
 
 namespace {
-
-bool isCompound(const TermStd* term)
-{
-    return term->compoundField || term->isContainsCompoundField();
-}
 
 // "is matched only up to "ABC"", empty if all is matched.
 QString unmatched(TermStd* term, const QString& data)

@@ -40,7 +40,7 @@ QString placeText(const ConfigInfo& config, const SourcePlace& place)
 
 QString lengthText(const TermStd* definition)
 {
-    if (definition->compoundField || definition->isContainsCompoundField())
+    if (isCompound(definition))
         return QStringLiteral("is made of fields");
     const qint64 length = TermFactsTable().of(definition).maxLength;
     if (length != TermFacts::Unlimited)

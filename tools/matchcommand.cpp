@@ -137,7 +137,7 @@ TermStd* findDefinition(const std::string& name)
         return nullptr;
     }
     TermStd* const definition = definitions.front();
-    if (definition->compoundField || definition->isContainsCompoundField()) {
+    if (isCompound(definition)) {
         printError(recordName.toStdString(),
                    "is made of fields, which are found by their names; see adexp tree");
         return nullptr;

@@ -108,6 +108,8 @@ private:
             begin = offset() - (tookNext ? 1 : 0);
         } while (depth >= 0 && !m_reader.atEnd());
         part->content.place = m_lines.placeOf(contentBegin);
+        // Qt 5 leaves line breaks of two characters in its documents.
+        part->content.text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
         if (text != part->content.text || places.size() != static_cast<std::size_t>(text.size()))
             return; // not what was loaded: an encoding that is not known here
         if (!places.empty())

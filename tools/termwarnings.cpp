@@ -1,5 +1,6 @@
 #include "termwarnings.h"
 
+#include "definitions.h"
 #include "mainclass.h"
 #include "msgrule.h"
 #include "termexpression.h"
@@ -24,7 +25,8 @@ bool isOneCharacter(const TermFacts& facts)
 
 bool isField(const TermStd* term)
 {
-    return term->type() == TermTypeVariable && term->isContainsField();
+    return term->type() == TermTypeVariable &&
+           static_cast<const TermVariable*>(term)->simpleTerm->containsField;
 }
 
 } // namespace
@@ -39,7 +41,7 @@ std::vector<Finding> TermWarnings::find()
             continue; // its check has failed, and it stayed in the list
         // Of fields only the names count, texts are not matched. A compound may well name one
         // twice, to say that there are two.
-        if (term->compoundField || term->isContainsCompoundField())
+        if (isCompound(term))
             checkNames(term, false);
         else
             checkMatching(term);

@@ -73,7 +73,6 @@ INSTANTIATE_TEST_SUITE_P(
         PlaceCase{"NextLine", "A\n  B", 2, "3:3"}, PlaceCase{"WindowsLine", "A\r\n  B", 2, "3:3"},
         PlaceCase{"Reference", "A &amp; &#x42;&#67; D", 5, "2:21"},
         PlaceCase{"BehindReferences", "A &amp; &#x42;&#67; D", 7, "2:27"},
-        PlaceCase{"PastTheBasicPlane", "&#x1F600;B", 2, "2:16"},
         PlaceCase{"Comment", "A <!-- B --> B C", 4, "2:22"},
         PlaceCase{"Section", "A <![CDATA[B | C]]> D", 4, "2:20"},
         PlaceCase{"BehindSection", "A <![CDATA[B]]>C D", 5, "2:24"},
@@ -81,6 +80,11 @@ INSTANTIATE_TEST_SUITE_P(
         PlaceCase{"Entity", "A &e; B", 2, "2:9"}, PlaceCase{"InsideEntity", "A &e; B", 3, "2:9"},
         PlaceCase{"OtherLetters", "\xD0\x90 B", 2, "2:9"}),
     [](const auto& testCase) { return std::string(testCase.param.name); });
+
+#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0) // Qt 5 does not read such references
+INSTANTIATE_TEST_SUITE_P(PastTheBasicPlane, PlaceInAnExpression,
+                         testing::Values(PlaceCase{"Reference", "&#x1F600;B", 2, "2:16"}));
+#endif
 
 TEST(RuleFile, HasExamplesWithoutTheSpaceAroundThem)
 {
