@@ -13,9 +13,9 @@
  *
  * When memory runs out, init_adexp() returns 2 and convert_from_adexp() null; nothing is lost, and
  * the next call works. The parts of Qt that read settings and XML do not survive this, so
- * init_adexp() makes sure of the memory they will need before it calls them. If another thread takes
- * the last of it at that very moment, Qt may still end the process; convert_from_adexp() uses none
- * of these parts.
+ * init_adexp() makes sure of the memory they will need before it calls them. If another thread
+ * takes the last of it at that very moment, Qt may still end the process; convert_from_adexp() uses
+ * none of these parts.
  */
 #ifndef ADEXP_H
 #define ADEXP_H

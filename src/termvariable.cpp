@@ -40,44 +40,73 @@ int TermVariable::calculateOfLengthData(bool withRepeat) const
     return withRepeat ? lengthTimesMaxRepeat(length) : length;
 }
 
-bool TermVariable::fail(const QString& text, FindingKind kind)
+void TermVariable::report(const QString& text, FindingKind kind) const
 {
     Finding finding;
     finding.kind = kind;
     configErrorMessage(text, finding);
+}
+
+bool TermVariable::fail(const QString& text, FindingKind kind)
+{
+    report(text, kind);
     valid = false;
     return false;
 }
 
+// What builds texts is never inlined: check_config() calls itself hundreds of levels deep, and its
+// frame would hold them.
+
+[[gnu::noinline]] bool TermVariable::failLoop() const
+{
+    // `valid` stays: the call that is under way decides about it.
+    report(QObject::tr("loop detected in the variables"), FindingKind::Loop);
+    return false;
+}
+
+[[gnu::noinline]] bool TermVariable::failTangle()
+{
+    return fail(QObject::tr("loops of variables are tangled more than %1 levels deep")
+                    .arg(MaxChecksUnderWay));
+}
+
+[[gnu::noinline]] bool TermVariable::failNotValid()
+{
+    return fail(QObject::tr("variable ") + ExprRuleStr +
+                    QObject::tr(" was found, but variable not valid"),
+                FindingKind::Consequence);
+}
+
+// The term of the name; null after a report.
+[[gnu::noinline]] TermStd* TermVariable::namedTerm(const TermList* termsList)
+{
+    TermStd* term = nullptr;
+    if (ExprRuleStr.isEmpty())
+        fail(QObject::tr("ExprRuleStr is empty"));
+    else if (config.recordName == ExprRuleStr)
+        fail(QObject::tr("variable points to itself"));
+    else if (!termsList)
+        fail(QObject::tr("termsList = 0"));
+    else if (term = termsList->search(ExprRuleStr); !term)
+        fail(QObject::tr("variable ") + ExprRuleStr + QObject::tr(" not found"),
+             FindingKind::UnknownName);
+    return term;
+}
+
 bool TermVariable::check_config(const TermList* termsList)
 {
-    if (loopGuard) {
-        // `valid` stays: the call that is under way decides about it.
-        Finding finding;
-        finding.kind = FindingKind::Loop;
-        configErrorMessage(QObject::tr("loop detected in the variables"), finding);
-        return false;
-    }
+    if (loopGuard)
+        return failLoop();
     if (simpleTerm)
         return valid;
-    if (ExprRuleStr.isEmpty())
-        return fail(QObject::tr("ExprRuleStr is empty"));
-    if (config.recordName == ExprRuleStr)
-        return fail(QObject::tr("variable points to itself"));
-    if (!termsList)
-        return fail(QObject::tr("termsList = 0"));
-
-    TermStd* const term = termsList->search(ExprRuleStr);
+    TermStd* const term = namedTerm(termsList);
     if (!term)
-        return fail(QObject::tr("variable ") + ExprRuleStr + QObject::tr(" not found"),
-                    FindingKind::UnknownName);
-
+        return false;
     if (term->configChecked) {
         valid = term->valid;
     } else {
         if (checksUnderWay == MaxChecksUnderWay)
-            return fail(QObject::tr("loops of variables are tangled more than %1 levels deep")
-                            .arg(MaxChecksUnderWay));
+            return failTangle();
         const QScopedValueRollback<int> oneMore(checksUnderWay, checksUnderWay + 1);
         const QScopedValueRollback<bool> guard(loopGuard, true);
         valid = term->check_config(termsList);
@@ -86,9 +115,7 @@ bool TermVariable::check_config(const TermList* termsList)
         term->configChecked = true;
     }
     if (!valid)
-        return fail(QObject::tr("variable ") + ExprRuleStr +
-                        QObject::tr(" was found, but variable not valid"),
-                    FindingKind::Consequence);
+        return failNotValid();
     simpleTerm = term;
     firstChars = firstCharsOf(term);
     return true;

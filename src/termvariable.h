@@ -34,7 +34,12 @@ public:
     bool loopGuard = false;        ///< set while a call is being passed on
 
 private:
+    void report(const QString& text, FindingKind kind) const;
     bool fail(const QString& text, FindingKind kind = FindingKind::Cause);
+    bool failLoop() const;
+    bool failTangle();
+    bool failNotValid();
+    TermStd* namedTerm(const TermList* termsList);
 };
 
 #endif

@@ -183,7 +183,7 @@ CLI::App* addConvertCommand(CLI::App* app, ConvertOptions* options)
         ->add_option("-j,--jobs", options->jobs,
                      "Convert in N processes at once; 0: one for each processor")
         ->type_name("N")
-        ->check(CLI::Range(0, Interruption::MaxProcesses));
+        ->check(CLI::Range(0, Interruption::MaxProcesses).description(""));
     return command;
 }
 
