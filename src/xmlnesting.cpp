@@ -1,10 +1,18 @@
 #include "xmlnesting.h"
 
 #include <QXmlStreamReader>
+#include <QtGlobal>
+
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+#include <QXmlDefaultHandler>
+#include <QXmlSimpleReader>
+#endif
 
 #include <string_view>
 
 namespace {
+
+constexpr std::string_view CommentBegin = "<!--";
 
 // Looks for elements that are too deep in plain content: in an encoding that holds ASCII as it is,
 // and without a document type, whose entities may hold elements. That is what rule files are, and a
@@ -21,12 +29,15 @@ public:
         if (m_xml.find('\0') != std::string_view::npos)
             return false; // wider characters
         while ((m_pos = m_xml.find('<', m_pos)) < m_xml.size()) {
-            if (startsWith("<!--"))
+            if (startsWith(CommentBegin)) {
+                m_pos += CommentBegin.size(); // its hyphens do not belong to the end: "<!-->"
                 skipBehind("-->");
-            else if (startsWith("<?"))
-                skipBehind("?>");
-            else if (startsWith("<!") || !readTag())
+            } else if (startsWith("<?")) {
+                if (!skipInstruction())
+                    return false;
+            } else if (startsWith("<!") || !readTag()) {
                 return false;
+            }
         }
         return true;
     }
@@ -42,6 +53,29 @@ private:
         m_pos = m_xml.find(sign, m_pos);
         if (m_pos < m_xml.size())
             m_pos += sign.size();
+    }
+
+    // False for one that may be the declaration of an encoding, unless it is UTF-8: in others, such
+    // as UTF-7 and EBCDIC, tags may look like anything.
+    bool skipInstruction()
+    {
+        const std::size_t begin = m_pos;
+        skipBehind("?>");
+        const std::string_view instruction =
+            m_xml.substr(begin, m_pos < m_xml.size() ? m_pos - begin : m_xml.size());
+        const std::size_t word = instruction.find("encoding");
+        if (word == std::string_view::npos)
+            return true;
+        const std::size_t quote = instruction.find_first_of("'\"", word);
+        if (quote == std::string_view::npos)
+            return false;
+        const std::string_view name = instruction.substr(quote + 1);
+        return startsWithUtf8(name) && name.substr(5, 1) == instruction.substr(quote, 1);
+    }
+
+    static bool startsWithUtf8(std::string_view name)
+    {
+        return name.substr(0, 5) == "UTF-8" || name.substr(0, 5) == "utf-8";
     }
 
     // False for an element that is too deep.
@@ -66,20 +100,76 @@ private:
     int m_depth = 0;
 };
 
-} // namespace
+// What is not plain is read by the reader that QDomDocument uses: another one may take for
+// malformed, and leave, what this one reads on.
 
-std::optional<XmlNesting::Place> XmlNesting::tooDeepElement(const QByteArray& xml)
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+
+QT_WARNING_PUSH
+QT_WARNING_DISABLE_DEPRECATED
+
+class DepthHandler : public QXmlDefaultHandler
 {
-    if (PlainScan({xml.constData(), static_cast<std::size_t>(xml.size())}).isHarmless())
-        return std::nullopt;
+public:
+    void setDocumentLocator(QXmlLocator* locator) override { m_locator = locator; }
+
+    bool startElement(const QString&, const QString&, const QString&,
+                      const QXmlAttributes&) override
+    {
+        if (++m_depth > XmlNesting::MaxDepth)
+            place = {m_locator->lineNumber(), m_locator->columnNumber()};
+        return !place;
+    }
+
+    bool endElement(const QString&, const QString&, const QString&) override
+    {
+        --m_depth;
+        return true;
+    }
+
+    std::optional<XmlNesting::Place> place;
+
+private:
+    QXmlLocator* m_locator = nullptr;
+    int m_depth = 0;
+};
+
+std::optional<XmlNesting::Place> readToTooDeepElement(const QByteArray& xml)
+{
+    QXmlInputSource input;
+    input.setData(xml);
+    DepthHandler handler;
+    QXmlSimpleReader reader;
+    reader.setContentHandler(&handler);
+    reader.parse(&input);
+    return handler.place;
+}
+
+QT_WARNING_POP
+
+#else
+
+std::optional<XmlNesting::Place> readToTooDeepElement(const QByteArray& xml)
+{
     QXmlStreamReader reader(xml);
     int depth = 0;
     while (!reader.atEnd()) {
         const QXmlStreamReader::TokenType token = reader.readNext();
         if (token == QXmlStreamReader::EndElement)
             --depth;
-        else if (token == QXmlStreamReader::StartElement && ++depth > MaxDepth)
-            return Place{reader.lineNumber(), reader.columnNumber()};
+        else if (token == QXmlStreamReader::StartElement && ++depth > XmlNesting::MaxDepth)
+            return XmlNesting::Place{reader.lineNumber(), reader.columnNumber()};
     }
     return std::nullopt;
+}
+
+#endif
+
+} // namespace
+
+std::optional<XmlNesting::Place> XmlNesting::tooDeepElement(const QByteArray& xml)
+{
+    if (PlainScan({xml.constData(), static_cast<std::size_t>(xml.size())}).isHarmless())
+        return std::nullopt;
+    return readToTooDeepElement(xml);
 }
