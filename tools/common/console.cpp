@@ -57,7 +57,7 @@ void printError(std::string_view subject, std::string_view text)
 void writeToStandardError(std::string_view text)
 {
     // If this fails there is no place left to tell it.
-    // cppcheck-suppress danglingTemporaryLifetime  // the caller's text lives until the call returns
+    // cppcheck-suppress danglingTemporaryLifetime  // the caller keeps the text
     static_cast<void>(std::fwrite(text.data(), 1, text.size(), stderr));
 }
 
