@@ -172,7 +172,6 @@ class Zsh(Completion):
                 ("adexp convert x plant", "adexp convert x plant.adexp "),
                 ("adexp tree x plant", "adexp tree x plant"),
                 ("adexp convert --summary --out", "adexp convert --summary --output="),
-                ("adexp convert plant --files", "adexp convert plant --files"),
                 ("adexp dump arcidk", "adexp dump ARCIDK "),
                 ("adexp match ARCIDK arcidk", "adexp match ARCIDK arcidk"),
                 ("adexp check --format j", "adexp check --format json "),
