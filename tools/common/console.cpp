@@ -63,7 +63,8 @@ void writeToStandardError(std::string_view text)
 
 void StandardOutput::write(std::string_view text)
 {
-    if (m_error == 0 && std::fwrite(text.data(), 1, text.size(), stdout) != text.size())
+    if (m_error == 0 && !text.empty() &&
+        std::fwrite(text.data(), 1, text.size(), stdout) != text.size())
         m_error = errno;
 }
 
