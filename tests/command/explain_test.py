@@ -39,6 +39,20 @@ class OwnRules(CommandTest):
         return self.run_command(subcommand, "--settings", "my.ini", *arguments, **options)
 
 
+class Circles(OwnRules):
+    """Of definitions in a circle one stays in the list, without what it refers to."""
+
+    def test_definition_that_refers_to_nothing_is_told_about(self):
+        self.write("simple.xml", "<terms><simpleTerm name='B'><term>C</term></simpleTerm>"
+                                 "<simpleTerm name='C'><term>B</term></simpleTerm></terms>")
+        self.write("primary.xml", "<terms/>")
+        self.write("rules.xml", "<rules/>")
+        self.assert_ends(self.run_own("explain", "C"), 1, "loop detected")
+        result = self.run_own("match", "C", "AX")
+        self.assert_ends(result, 1, "loop detected")
+        self.assertEqual("AX\n^\nmatched 0 of 2 characters; at ^ B is wanted\n", result.stdout)
+
+
 class Explain(OwnRules):
     maxDiff = None
 

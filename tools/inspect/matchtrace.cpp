@@ -87,8 +87,13 @@ int MatchTrace::matchOnce(TermStd* term, int pos)
         return isChoice(expression) ? matchChoice(expression, pos) : matchSequence(expression, pos);
     if (term->type() != TermTypeVariable)
         return matchLeaf(term, pos);
+    TermStd* const definition = static_cast<const TermVariable*>(term)->simpleTerm;
+    if (!definition) { // was refused for a circle: it matches nothing
+        stopAtTerm(term, pos);
+        return 0;
+    }
     m_references.append(term->ExprRuleStr);
-    const int length = match(static_cast<const TermVariable*>(term)->simpleTerm, pos);
+    const int length = match(definition, pos);
     m_references.removeLast();
     return length;
 }

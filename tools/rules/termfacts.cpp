@@ -77,8 +77,12 @@ TermFacts factsOfLiteral(const QString& text)
 
 const TermStd* behindReferences(const TermStd* term)
 {
-    while (term->type() == TermTypeVariable && term->bracketType != BracketRepeat)
-        term = static_cast<const TermVariable*>(term)->simpleTerm;
+    while (term->type() == TermTypeVariable && term->bracketType != BracketRepeat) {
+        const TermStd* const next = static_cast<const TermVariable*>(term)->simpleTerm;
+        if (!next)
+            break;
+        term = next;
+    }
     return term;
 }
 
@@ -118,8 +122,11 @@ TermFacts TermFactsTable::factsOfInner(const TermStd* term)
         return isChoice(expression) ? factsOfChoice(expression) : factsOfSequence(expression);
     TermFacts facts;
     switch (term->type()) {
-    case TermTypeVariable: // repeated, see behindReferences()
-        return of(static_cast<const TermVariable*>(term)->simpleTerm);
+    case TermTypeVariable: // repeated or not resolved, see behindReferences()
+        if (const TermStd* const next = static_cast<const TermVariable*>(term)->simpleTerm)
+            return of(next);
+        facts = nothing();
+        break;
     case TermTypeSimple:
         facts = factsOfLiteral(term->ExprRuleStr);
         facts.shape = shapeOf('\'' + term->ExprRuleStr.toStdString());

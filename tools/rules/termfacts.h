@@ -73,7 +73,7 @@ private:
 };
 
 /// What stands behind references: the first term on the way from @p term that is none, or that is
-/// repeated.
+/// repeated, or that refers to a circle and was never resolved.
 const TermStd* behindReferences(const TermStd* term);
 
 /// @p term as an expression, if it is a choice or sequence; else null.
