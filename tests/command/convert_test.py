@@ -182,6 +182,14 @@ class OutputFile(CommandTest):
                 self.assert_ends(self.convert(*arguments), 2, "would replace the message")
                 self.assertEqual((GOOD, GOOD), (self.read("a"), self.read("a.xml")))
 
+    def test_message_on_standard_input_is_never_replaced_by_its_document(self):
+        self.write("stdin.xml", GOOD)
+        for output in ("stdin.xml", "."):
+            with self.subTest(output=output), open(self.path("stdin.xml"), "rb") as message:
+                self.assert_ends(self.convert("-o", output, stdin=message), 2,
+                                 "would replace the message")
+                self.assertEqual(GOOD, self.read("stdin.xml"))
+
     def test_one_file_for_several_messages_is_a_wrong_argument(self):
         result = self.convert("-o", "out.xml", "a", "b")
         self.assert_ends(result, 64, "out.xml: -o names one file, but there are 2 messages; name")

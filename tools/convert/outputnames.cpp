@@ -11,14 +11,22 @@ fs::path canonical(const std::string& name)
     return fs::canonical(name, error);
 }
 
+// The file that was redirected to standard input; empty if it is a pipe or a terminal.
+fs::path fileOfStandardInput()
+{
+    const fs::path file = canonical("/dev/stdin");
+    std::error_code error;
+    return fs::is_regular_file(file, error) ? file : fs::path();
+}
+
 } // namespace
 
 OutputNames::OutputNames(const std::string& output, const std::deque<Input>& inputs)
     : m_output(output), m_isFolder(isFolderName(output))
 {
     for (const Input& input : inputs)
-        if (input.argument != StandardInput)
-            m_inputs.insert(canonical(input.argument));
+        m_inputs.insert(input.argument == StandardInput ? fileOfStandardInput()
+                                                        : canonical(input.argument));
     m_inputs.erase(fs::path());
 }
 
