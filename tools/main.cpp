@@ -13,6 +13,9 @@
 
 #include <CLI/CLI.hpp>
 
+#include <QLoggingCategory>
+#include <QtGlobal>
+
 #include <clocale>
 #include <csignal>
 #include <fcntl.h>
@@ -30,8 +33,24 @@ void fillClosedStandardStreams()
             open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
 }
 
+// Reports are debug messages of Qt, which the environment (QT_LOGGING_RULES) and the qtlogging.ini
+// of some systems switch off. A message with faults must not pass for one without.
+void letReportsThrough()
+{
+    static QLoggingCategory::CategoryFilter before = nullptr;
+    before = QLoggingCategory::installFilter([](QLoggingCategory* category) {
+        if (before)
+            before(category);
+        if (qstrcmp(category->categoryName(), "default") != 0)
+            return;
+        category->setEnabled(QtDebugMsg, true);
+        category->setEnabled(QtCriticalMsg, true);
+    });
+}
+
 void prepareProcess()
 {
+    letReportsThrough();
     fillClosedStandardStreams();
     // A closed pipe and a reached file size limit shall be errors of writing. These calls cannot
     // fail.

@@ -60,6 +60,12 @@ class Inputs(CommandTest):
 
 class Reports(CommandTest):
 
+    def test_no_settings_for_logging_hide_reports(self):
+        name = self.write("reported.adexp", REPORTED)
+        expected = self.convert(name).stderr
+        environment = dict(os.environ, QT_LOGGING_RULES="*=false")
+        self.assert_ends(self.convert(name, env=environment), 1, expected)
+
     def test_reports_stand_behind_the_name_of_the_file(self):
         result = self.convert(self.write("reported.adexp", REPORTED))
         self.assertEqual((1, 'reported.adexp: "ignore word" "stray" \n'),
