@@ -1,6 +1,7 @@
 #ifndef DOCWORD_H
 #define DOCWORD_H
 
+#include <QString> // with Qt 5 the comparisons of views are declared there
 #include <QStringView>
 
 #include <memory_resource>
