@@ -5,7 +5,6 @@ import os
 import resource
 import subprocess
 import threading
-import unittest
 
 from commandtest import GOOD, NO_RULE, NO_TITLE, REPORTED, TIMEOUT, CommandTest, main
 
