@@ -37,15 +37,15 @@ void fillClosedStandardStreams()
 // of some systems switch off. A message with faults must not pass for one without.
 void letReportsThrough()
 {
-    static QLoggingCategory::CategoryFilter before = nullptr;
-    before = QLoggingCategory::installFilter([](QLoggingCategory* category) {
-        if (before)
-            before(category);
-        if (qstrcmp(category->categoryName(), "default") != 0)
-            return;
-        category->setEnabled(QtDebugMsg, true);
-        category->setEnabled(QtCriticalMsg, true);
-    });
+    static const QLoggingCategory::CategoryFilter before =
+        QLoggingCategory::installFilter([](QLoggingCategory* category) {
+            if (before)
+                before(category);
+            if (qstrcmp(category->categoryName(), "default") != 0)
+                return;
+            category->setEnabled(QtDebugMsg, true);
+            category->setEnabled(QtCriticalMsg, true);
+        });
 }
 
 void prepareProcess()
