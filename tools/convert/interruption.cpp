@@ -35,8 +35,8 @@ void endCommand(int signal)
     if (s_isLineShown && write(STDERR_FILENO, EraseLine.data(), EraseLine.size()) == -1) {
         // The terminal is gone, so is the line.
     }
-    std::signal(signal, SIG_DFL);
-    raise(signal);
+    static_cast<void>(std::signal(signal, SIG_DFL));
+    static_cast<void>(raise(signal));
 }
 
 } // namespace
@@ -62,7 +62,7 @@ void Interruption::handle()
 void Interruption::leaveToParent(pid_t parent)
 {
     for (const int signal : AskingToEnd)
-        std::signal(signal, signal == SIGTERM ? SIG_DFL : SIG_IGN);
+        static_cast<void>(std::signal(signal, signal == SIGTERM ? SIG_DFL : SIG_IGN));
     for (std::atomic<pid_t>& process : s_processes)
         process = 0;
     prctl(PR_SET_PDEATHSIG, SIGTERM);

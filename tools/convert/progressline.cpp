@@ -4,6 +4,7 @@
 #include "interruption.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -42,19 +43,20 @@ std::string bar(double part)
 std::string duration(double seconds)
 {
     const long all = static_cast<long>(seconds);
-    char text[32];
+    std::array<char, 32> text{};
+    // There is room for every number.
     if (all >= 3600)
-        std::snprintf(text, sizeof text, "%ld:%02ld:%02ld", all / 3600, all / 60 % 60, all % 60);
+        static_cast<void>(std::snprintf(text.data(), text.size(), "%ld:%02ld:%02ld", all / 3600,
+                                        all / 60 % 60, all % 60));
     else
-        std::snprintf(text, sizeof text, "%ld:%02ld", all / 60, all % 60);
-    return text;
+        static_cast<void>(std::snprintf(text.data(), text.size(), "%ld:%02ld", all / 60, all % 60));
+    return text.data();
 }
 
 std::string line(std::uint64_t messages, double seconds, std::optional<double> part)
 {
     const auto rate = static_cast<std::uint64_t>(static_cast<double>(messages) / seconds);
-    const std::string counts =
-        std::to_string(messages) + " messages, " + std::to_string(rate) + "/s";
+    std::string counts = std::to_string(messages) + " messages, " + std::to_string(rate) + "/s";
     if (!part || *part <= 0)
         return counts;
     const double known = std::min(*part, 1.0);

@@ -114,9 +114,11 @@ void MarkedTree::appendFindingNumbers(size_t index, std::string* html) const
     for (size_t i = 0; i < std::min(findings.size(), MaxNumbers); ++i) {
         const std::string number = std::to_string(findings[i] + 1);
         const bool isWarning = m_findings[findings[i]].finding.severity == Severity::Warning;
-        *html += std::string("<span class=\"number ") + (isWarning ? "warning" : "error") +
-                 "\" title=\"finding " + number + "\" data-f=\"" + number + "\">" + number +
-                 "</span> ";
+        *html += "<span class=\"number ";
+        *html += isWarning ? "warning" : "error";
+        html->append("\" title=\"finding ").append(number);
+        html->append("\" data-f=\"").append(number);
+        html->append("\">").append(number).append("</span> ");
     }
     if (findings.size() > MaxNumbers)
         *html +=
