@@ -264,7 +264,7 @@ void XmlWriter::text(QStringView text)
 
 XmlDocument XmlWriter::takeDocument()
 {
-    char* const end = copyBytes(room(2), {"\n", 2}); // with its null byte
+    char* const end = copyBytes(room(2), {"\n\0", 2});
     const auto size = static_cast<size_t>(end - m_begin);
     std::unique_ptr<char[]> bytes = std::move(m_large);
     // The copy spares the caller the unused rest of the buffer. That of a very large one never

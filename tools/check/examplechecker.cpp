@@ -67,7 +67,7 @@ QString ExampleChecker::whyAccepted(const RuleRecord& record, const QString& tex
 QString ExampleChecker::dataRefused(const RuleRecord& record, TermStd* term,
                                     const QString& data) const
 {
-    if (const QString text = unmatched(term, data); !text.isEmpty())
+    if (QString text = unmatched(term, data); !text.isEmpty())
         return text;
     if (!record.isField())
         return {};
@@ -91,7 +91,7 @@ QString ExampleChecker::stretchRefused(const RuleRecord& record, const QString& 
 QString ExampleChecker::messageRefused(const RuleRecord& record, const QString& message) const
 {
     QString title;
-    const QString reports = reportsOf(message, m_rules->msgRules, &title);
+    QString reports = reportsOf(message, m_rules->msgRules, &title);
     if (title.isNull())
         return QStringLiteral("has no title, or one without a rule");
     if (title != record.name.toUpper())
