@@ -6,7 +6,6 @@
 
 #include <QList>
 
-#include <memory>
 #include <vector>
 
 /// A compiled expression: terms in text order and, between each two of them, one operator.
@@ -86,46 +85,14 @@ public:
 
     QString OperatorsList;    ///< the operators: character i stands between terms i and i + 1
     QList<TermStd*> ExprList; ///< the terms, owned
-
-    /// The compiler's cursor into ExprRuleStr; of no meaning after compiling.
-    const QChar* parsePos = nullptr;
-
-    /// While compiling: the operator read and not yet recorded. Afterwards: the expression's
-    /// operator, null if there is none.
-    QChar currentOperator;
+    QChar currentOperator;    ///< the first operator, null if there is none
 
 private:
     struct NotCompiled // makes a constructor of its own
     {
     };
-    TermExpression(const ConfigInfo* record, int nesting, NotCompiled);
+    TermExpression(const ConfigInfo* record, NotCompiled);
 
-    void fullExprList();
-    void reserveTerms();
-    bool compileTerms(QString* pendingWord);
-    void readWord(QString* pendingWord);
-    bool compileLiteral(QString* pendingWord);
-    bool compileGroup(QChar open, QString* pendingWord);
-    std::unique_ptr<TermStd> compilePart(const ConfigInfo* record) const;
-    void appendTerm(std::unique_ptr<TermStd> term);
-    bool readOperator(QString* pendingWord);
-    void readBlank(QString* pendingWord);
-    bool isComplete(QString* pendingWord);
-    void settleOperator();
-    QString get_term(const QChar& open, const QChar& close, QString* pendingWord, int* minCount,
-                     int* maxCount);
-    bool collectPart(QChar open, QChar close, QString* inner);
-    int readMaxCount();
-    void reportTooLargeCount(const QChar* place, const QString& digits,
-                             const QString& outcome) const;
-    void append_operator(const QString& nextTermText);
-    void append_variable(const ConfigInfo* record);
-    void appendPendingWord(QString* pendingWord);
-    ConfigInfo recordWithText(const QString& text, int begin) const;
-    int position(const QChar* place) const;
-    void errorAt(const QChar* place, const QString& text) const;
-    const QChar* beginOfTerm(int index) const;
-    const QChar* textEnd() const;
     bool isChoice() const;
 
     // A term as the matchers see it. They lie side by side in memory: most terms are passed over by
@@ -143,9 +110,6 @@ private:
     void updateSteps() const;
     void collectFirstChars();
     void indexTerms(TermIndex* index) const;
-
-    int m_nesting;       // brackets around this expression
-    int m_wordBegin = 0; // while compiling: position of the word read last
 
     // For search_TermField(), filled by its first call: the first term of each text, depth first. A
     // rule has a hundred fields and more, and is searched for each field of a message.
