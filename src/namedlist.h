@@ -82,8 +82,15 @@ private:
     }
 
     QList<Item*> m_items;
+    // Not noexcept, and this is meant: only then the map keeps the hash of each name, instead of
+    // computing it again for each name that a search passes.
+    struct Hash
+    {
+        size_t operator()(QStringView name) const { return qHash(name); }
+    };
+
     // Not QHash: it ends the process when memory runs out while it grows.
-    std::unordered_map<QStringView, Item*> m_firstByName;
+    std::unordered_map<QStringView, Item*, Hash> m_firstByName;
 };
 
 /// The named terms of a rule set.
