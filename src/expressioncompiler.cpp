@@ -12,14 +12,22 @@
 
 namespace {
 
-// The text of a separator that the compiler has put between two terms.
-constexpr const char* InsertedSeparator = "AUTOSEP";
-
 // True for the characters that no word of an expression holds. Texts of records may hold any white
 // space, before it is simplified to blanks.
 bool endsWord(QChar c)
 {
-    return c.isSpace() || QStringView(u"|!+'([{").contains(c);
+    switch (c.unicode()) {
+    case u'|':
+    case u'!':
+    case u'+':
+    case u'\'':
+    case u'(':
+    case u'[':
+    case u'{':
+        return true;
+    default:
+        return c.isSpace();
+    }
 }
 
 // The largest number that is read as a repeat count.
@@ -45,6 +53,7 @@ ExpressionCompiler::ExpressionCompiler(TermExpression* expression, int nesting)
       m_nesting(nesting),
       m_parsePos(m_text.constData())
 {
+    m_partRecord.copyParam(&expression->config);
 }
 
 void ExpressionCompiler::fullExprList()
@@ -115,8 +124,7 @@ bool ExpressionCompiler::compileLiteral()
     if (literal.isEmpty())
         return false;
     append_operator(QString());
-    const ConfigInfo record = recordWithText(literal.toUpper(), partBegin);
-    appendTerm(std::make_unique<TermSimple>(&record));
+    appendTerm(std::make_unique<TermSimple>(recordWithText(literal.toUpper(), partBegin)));
     return true;
 }
 
@@ -142,8 +150,8 @@ bool ExpressionCompiler::compileGroup(QChar open)
     // This is meant.
     append_operator(inner);
     const int blanks = inner.startsWith(u' ') ? 1 : 0; // not part of the simplified inner text
-    const ConfigInfo record = recordWithText(inner.toUpper(), partBegin + blanks);
-    std::unique_ptr<TermStd> term = compilePart(&record);
+    std::unique_ptr<TermStd> term =
+        compilePart(recordWithText(inner.toUpper(), partBegin + blanks));
     if (!term)
         return false;
     term->bracketType = bracket;
@@ -344,12 +352,7 @@ void ExpressionCompiler::append_operator(const QString& nextTermText)
     if (nextTermText.isEmpty() || nextTermText == QLatin1String("SEP") ||
         m_terms.last()->isSeparator())
         return;
-    static const ConfigInfo record = [] {
-        ConfigInfo nowhere; // it stands nowhere in the rule files
-        nowhere.ruleText = QLatin1String(InsertedSeparator);
-        return nowhere;
-    }();
-    appendTerm(std::make_unique<TermStd>(TermTypeSep, &record));
+    m_terms.append(TermExpression::insertedSeparator());
     m_operators.append(u'!');
 }
 
@@ -362,18 +365,15 @@ void ExpressionCompiler::append_variable(const ConfigInfo* record)
 
 void ExpressionCompiler::appendPendingWord()
 {
-    const ConfigInfo record = recordWithText(m_pendingWord.toUpper(), m_wordBegin);
-    append_variable(&record);
+    append_variable(recordWithText(m_pendingWord.toUpper(), m_wordBegin));
     m_pendingWord.clear();
 }
 
-ConfigInfo ExpressionCompiler::recordWithText(const QString& text, int begin) const
+const ConfigInfo* ExpressionCompiler::recordWithText(const QString& text, int begin)
 {
-    ConfigInfo record;
-    record.copyParam(&m_expression->config);
-    record.ruleText = text;
-    record.textBegin = m_expression->config.textBegin + begin;
-    return record;
+    m_partRecord.ruleText = text;
+    m_partRecord.textBegin = m_expression->config.textBegin + begin;
+    return &m_partRecord;
 }
 
 int ExpressionCompiler::position(const QChar* place) const
@@ -393,7 +393,7 @@ void ExpressionCompiler::errorAt(const QChar* place, const QString& text) const
 const QChar* ExpressionCompiler::beginOfTerm(int index) const
 {
     const TermStd* term = m_terms.at(index);
-    if (term->isSeparator() && term->ExprRuleStr == QLatin1String(InsertedSeparator))
+    if (term == TermExpression::insertedSeparator())
         term = m_terms.at(index + 1);
     const QChar* const text = m_text.constData();
     const QChar* const begin = text + (term->config.textBegin - m_expression->config.textBegin);

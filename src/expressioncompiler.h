@@ -46,7 +46,7 @@ private:
     void append_operator(const QString& nextTermText);
     void append_variable(const ConfigInfo* record);
     void appendPendingWord();
-    ConfigInfo recordWithText(const QString& text, int begin) const;
+    const ConfigInfo* recordWithText(const QString& text, int begin);
     int position(const QChar* place) const;
     void errorAt(const QChar* place, const QString& text) const;
     const QChar* beginOfTerm(int index) const;
@@ -61,6 +61,7 @@ private:
     QString m_pendingWord;    // read but not yet appended: a count may turn out of it
     int m_wordBegin = 0;      // position of the word read last
     QChar m_operator;         // read but not yet recorded; null if none
+    ConfigInfo m_partRecord;  // the expression's record with the text of the part at hand
 };
 
 #endif

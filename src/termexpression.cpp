@@ -25,7 +25,20 @@ TermExpression::TermExpression(const ConfigInfo* record, int nesting)
 
 TermExpression::~TermExpression()
 {
-    qDeleteAll(ExprList);
+    for (const TermStd* term : std::as_const(ExprList)) {
+        if (term != insertedSeparator())
+            delete term;
+    }
+}
+
+TermStd* TermExpression::insertedSeparator()
+{
+    static TermStd separator = [] {
+        ConfigInfo nowhere; // it stands nowhere in the rule files
+        nowhere.ruleText = QStringLiteral("AUTOSEP");
+        return TermStd(TermTypeSep, &nowhere);
+    }();
+    return &separator;
 }
 
 QString TermExpression::nestedTooDeepText()
