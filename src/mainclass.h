@@ -9,7 +9,6 @@
 
 class ConfigInfo;
 class QDomDocument;
-class QDomElement;
 class QSettings;
 
 /// The converter: the loaded rule set, and the conversion of messages against it.
@@ -58,9 +57,9 @@ public:
     RuleList msgRules;  ///< the message rules in file order
 
 private:
-    void readTermRecord(const QDomElement& element, const QString& recordTag, bool containsField,
-                        ConfigInfo* item);
-    void readMsgRuleRecord(const QDomElement& element, ConfigInfo* item);
+    void readTermRecord(const ConfigInfo& record, const QString& recordTag, bool containsField,
+                        ConfigInfo* last);
+    void readMsgRuleRecord(const ConfigInfo& record);
 };
 
 #endif
