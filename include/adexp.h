@@ -61,8 +61,9 @@ ADEXP_EXPORT void clear_adexp(void);
  *
  * Returns the XML document as UTF-8, ended by a NUL byte, in memory that the caller owns and gives
  * back with free_adexp(). Returns null when there is no document: no "-TITLE" in the message, no
- * rule for the word after it, or memory ran out. Everything else that is wrong with a message is
- * reported and still gives a document.
+ * rule for the word after it, or memory ran out (as it does for a document of 4 GiB and more, whose
+ * length outLength cannot tell). Everything else that is wrong with a message is reported and still
+ * gives a document.
  */
 ADEXP_EXPORT const char* convert_from_adexp(const char* text, unsigned int length,
                                             unsigned int* outLength);

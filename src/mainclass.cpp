@@ -118,6 +118,9 @@ bool MainClass::readSettingsRules(QSettings* settings)
 {
     // Simple terms are checked before any field is there, so they cannot refer to fields. The
     // fields of both files are checked together, so they can refer to each other.
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+    settings->setIniCodec("UTF-8"); // as later versions of Qt read it
+#endif
     settings->beginGroup(QStringLiteral("rules"));
     const auto path = [settings](const char* key) {
         return getPathFromSettings(settings, QLatin1String(key));

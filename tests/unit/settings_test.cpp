@@ -292,6 +292,18 @@ TEST_F(Settings, FilesBesideTheSettingsFileAreNotFoundByRelativePaths)
               setContentReport(RuleFolder::openErrorText(QStringLiteral("simple.xml"))));
 }
 
+TEST_F(Settings, PathsAreUtf8AndInQuotesMayHoldWhatTheFormatUses)
+{
+    folder.write(QStringLiteral("\u0441, a; b.xml"), RuleSetText::SimpleTerms);
+    folder.write(QStringLiteral("c\\d.xml"), RuleSetText::SubFields);
+    folder.write(QStringLiteral("\u00e9.xml"), RuleSetText::PrimaryFields);
+    folder.write(QStringLiteral("rules.xml"), RuleSetText::MsgRules);
+    const WorkingDirectory directory(folder.path(QString()));
+    EXPECT_TRUE(load("[rules]\nsimpleTermsFile=\"\xd1\x81, a; b.xml\"\nsubFieldsFile=c\\\\d.xml\n"
+                     "primaryFieldsFile=\xc3\xa9.xml\nmsgRulesFile=rules.xml\n"));
+    EXPECT_EQ(converter.msgRules.size(), 2);
+}
+
 TEST_F(Settings, GetPathGivesTheValueOfTheCurrentGroupOrNothing)
 {
     QSettings settings(folder.write(QStringLiteral("adexp.ini"),
