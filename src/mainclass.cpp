@@ -6,7 +6,7 @@
 #include "msgrule.h"
 #include "qtmemory.h"
 #include "termexpression.h"
-#include "xmlnesting.h"
+#include "xmllimits.h"
 
 #include <QDomDocument>
 #include <QFile>
@@ -50,7 +50,7 @@ bool isDisabled(const QDomElement& record)
 }
 
 // The text that QDomElement::text() gives; that leaks what it has when memory runs out. Recursion
-// is bounded: no file with elements nested deeper than XmlNesting::MaxDepth is read.
+// is bounded: no file with elements nested deeper than XmlLimits::MaxDepth is read.
 QString textOf(const QDomNode& element)
 {
     QString text;
@@ -90,6 +90,24 @@ std::vector<ConfigInfo> takeRecords(QDomDocument* document, const QString& file,
     }
     document->clear();
     return records;
+}
+
+QString limitText(XmlLimits::Limit limit)
+{
+    switch (limit) {
+    case XmlLimits::Limit::Depth:
+        return MainClass::tr("elements are nested deeper than %1 levels").arg(XmlLimits::MaxDepth);
+    case XmlLimits::Limit::Attributes:
+        return MainClass::tr("an element has more than %1 attributes")
+            .arg(XmlLimits::MaxAttributes);
+    case XmlLimits::Limit::TypeSize:
+        return MainClass::tr("the document type is longer than %1 bytes")
+            .arg(XmlLimits::MaxTypeSize);
+    default:
+        return MainClass::tr("entities, default attributes and namespaces make the content more "
+                             "than %1 times as long as the file")
+            .arg(XmlLimits::MaxGrowth);
+    }
 }
 
 template <typename Item>
@@ -162,10 +180,8 @@ bool MainClass::ruleDomDocumentsetContent(const QString& path, QDomDocument* doc
         return false;
     };
     const QByteArray content = file.readAll();
-    if (const auto place = XmlNesting::tooDeepElement(content))
-        return reportParseError(
-            place->line, place->column,
-            tr("elements are nested deeper than %1 levels").arg(XmlNesting::MaxDepth));
+    if (const auto excess = XmlLimits::firstExcess(content))
+        return reportParseError(excess->line, excess->column, limitText(excess->limit));
     QtMemory::requireForDom(content);
     QString error;
     int line = 0;

@@ -16,8 +16,8 @@ namespace QtMemory {
 /// made together with it. Throws std::bad_alloc.
 void requireForSettings(const QString& path);
 
-/// Before QDomDocument reads @p xml, which has no document type with entities of its own (they can
-/// stand for more than any bound). Throws std::bad_alloc.
+/// Before QDomDocument reads @p xml, which has no document type with entities of its own (they may
+/// stand for more). Throws std::bad_alloc.
 void requireForDom(const QByteArray& xml);
 
 } // namespace QtMemory

@@ -1,6 +1,6 @@
 #include "rulefile.h"
 
-#include "xmlnesting.h"
+#include "xmllimits.h"
 
 #include <QDomDocument>
 #include <QFile>
@@ -230,7 +230,7 @@ bool readRuleFile(const QString& path, const QString& recordTag, std::vector<Rul
     if (!file.open(QIODevice::ReadOnly))
         return false;
     const QByteArray content = file.readAll();
-    if (XmlNesting::tooDeepElement(content) || !document.setContent(content, true))
+    if (XmlLimits::firstExcess(content) || !document.setContent(content, true))
         return false;
     std::vector<RuleRecord> found;
     for (QDomElement element = document.documentElement().firstChildElement(); !element.isNull();
