@@ -2,6 +2,7 @@
 
 import os
 import resource
+import shutil
 import signal
 import socket
 import subprocess
@@ -9,7 +10,7 @@ import time
 import unittest
 import xml.etree.ElementTree as ElementTree
 
-from commandtest import GOOD, NO_RULE, NO_TITLE, REPORTED, TIMEOUT, CommandTest, main
+from commandtest import DATA, GOOD, NO_RULE, NO_TITLE, REPORTED, TIMEOUT, CommandTest, main
 
 
 def title_of(document):
@@ -185,7 +186,7 @@ class OutputFile(CommandTest):
         for arguments in (["-o", "a", "a"], ["-o", "link", "a"], ["-o", "./a", "a"],
                           ["-o", ".", "a", "a.xml"]):
             with self.subTest(arguments=arguments):
-                self.assert_ends(self.convert(*arguments), 2, "would replace the message")
+                self.assert_ends(self.convert(*arguments), 2, "would replace the input")
                 self.assertEqual((GOOD, GOOD), (self.read("a"), self.read("a.xml")))
 
     def test_message_on_standard_input_is_never_replaced_by_its_document(self):
@@ -193,8 +194,19 @@ class OutputFile(CommandTest):
         for output in ("stdin.xml", "."):
             with self.subTest(output=output), open(self.path("stdin.xml"), "rb") as message:
                 self.assert_ends(self.convert("-o", output, stdin=message), 2,
-                                 "would replace the message")
+                                 "would replace the input")
                 self.assertEqual(GOOD, self.read("stdin.xml"))
+
+    def test_rule_set_is_never_replaced_by_a_document(self):
+        shutil.copytree(DATA, self.path("rules"))
+        self.write("rules.ini", self.read("rules.ini").replace(DATA, "rules"))
+        for output in ("rules.ini", "rules/simpleterms.xml", "rules/subfields.xml",
+                       "rules/primaryfields.xml", "rules/msgrules.xml"):
+            before = self.read(output)
+            with self.subTest(output=output):
+                self.assert_ends(self.convert("-o", output, stdin=GOOD), 2,
+                                 "its document would replace the input " + output)
+                self.assertEqual(before, self.read(output))
 
     def test_one_file_for_several_messages_is_a_wrong_argument(self):
         result = self.convert("-o", "out.xml", "a", "b")

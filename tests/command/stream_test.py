@@ -2,6 +2,7 @@
 
 import json
 import os
+import shutil
 import resource
 import subprocess
 import threading
@@ -100,8 +101,18 @@ class FileLists(CommandTest):
         self.write("a", GOOD)
         self.write("a.xml", GOOD)
         result = self.convert("-o", ".", "--files-from", "-", stdin="a\na.xml\n")
-        self.assert_ends(result, 2, "a: not converted: its document would replace the message")
+        self.assert_ends(result, 2, "a: not converted: its document would replace the input")
         self.assertEqual(GOOD, self.read("a.xml"))
+
+    def test_list_is_not_replaced_by_a_document(self):
+        self.write("in/list", GOOD)
+        self.write("list.xml", "in/list\n")
+        result = self.convert("-o", ".", "--files-from", "list.xml")
+        self.assert_ends(result, 2, "in/list: not converted: its document would replace the input")
+        with open(self.path("list.xml"), "rb") as names:
+            result = self.convert("-o", ".", "--files-from", "-", stdin=names)
+        self.assert_ends(result, 2, "in/list: not converted: its document would replace the input")
+        self.assertEqual("in/list\n", self.read("list.xml"))
 
     def test_folder_in_the_list(self):
         self.write("in/a", GOOD)
@@ -157,6 +168,16 @@ class Lines(CommandTest):
         self.assert_ends(self.convert("--lines", "-o", "out", "archive", "-", stdin=MESSAGE), 0)
         self.assertEqual(["archive.1.xml", "archive.2.xml", "stdin.1.xml"], self.files("out"))
 
+    def test_second_archive_of_the_same_name_replaces_no_document(self):
+        os.mkdir(self.path("out"))
+        self.write("a/archive", "%s\n%s\n" % (message(1), message(2)))
+        self.write("b/archive", "%s\n%s\n%s\n" % (message(3), message(4), message(5)))
+        result = self.convert("--lines", "-o", "out", "a/archive", "b/archive")
+        self.assert_ends(result, 2, *("b/archive:%d: not converted: another message of the same "
+                                      "file name was given" % number for number in (1, 2)))
+        self.assertEqual([">ABC%d<" % number in self.read("out/archive.%d.xml" % document)
+                          for document, number in ((1, 1), (2, 2), (3, 5))], [True] * 3)
+
     def test_one_file_for_lines_is_a_wrong_argument(self):
         self.assert_ends(self.convert("--lines", "-o", "out.xml"), 64, "may be several messages")
 
@@ -199,6 +220,23 @@ class Nul(CommandTest):
         single = [self.convert(stdin=text).stdout for text in messages]
         self.assertEqual("".join(document + "\0" for document in single),
                          self.convert("-0", stdin="\0".join(messages)).stdout)
+
+    def test_message_that_is_called_like_one_of_a_stream_replaces_no_document(self):
+        self.write("stdin.2", message(9))
+        self.write("stdin.02", message(9))
+        self.write("stdin.3", message(9))
+        for files, refused in ((["-", "stdin.2", "stdin.3", "stdin.02"], "stdin.2: "),
+                               (["stdin.2", "-", "stdin.3", "stdin.02"], "<stdin>:2: ")):
+            with self.subTest(files=files):
+                os.mkdir(self.path("out"))
+                result = self.convert("-0", "-o", "out", *files, stdin=message(1) + "\0" + message(2))
+                self.assert_ends(result, 2, refused + "not converted: another message of the same")
+                self.assertEqual(1, result.stderr.count("not converted"))
+                self.assertEqual(["stdin.02.xml", "stdin.1.xml", "stdin.2.xml", "stdin.3.xml"],
+                                 self.files("out"))
+                expected = ">ABC2<" if files[0] == "-" else ">ABC9<"
+                self.assertIn(expected, self.read("out/stdin.2.xml"))
+                shutil.rmtree(self.path("out"))
 
     def test_one_file_for_the_documents_of_a_stream_is_a_wrong_argument(self):
         for arguments in ([], ["-"]):

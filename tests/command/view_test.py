@@ -2,9 +2,10 @@
 
 import os
 import random
+import shutil
 import unicodedata
 
-from commandtest import GOOD, NO_RULE, NO_TITLE, REPORTED, CommandTest, main
+from commandtest import DATA, GOOD, NO_RULE, NO_TITLE, REPORTED, CommandTest, main
 from htmlpage import Page
 
 SAMPLES = os.path.join(os.path.dirname(__file__), "..", "..", "samples")
@@ -258,8 +259,21 @@ class Output(ViewTest):
         os.symlink(self.write("plan", GOOD), self.path("link"))
         for output in ("plan", "./plan", "link"):
             with self.subTest(output=output):
-                self.assert_ends(self.view("plan", "-o", output), 2, "would replace the message")
+                self.assert_ends(self.view("plan", "-o", output), 2, "would replace an input")
                 self.assertEqual(GOOD, self.read("plan"))
+
+    def test_no_other_input_is_replaced(self):
+        shutil.copytree(DATA, self.path("rules"))
+        settings = self.read("rules.ini").replace(DATA, "rules")
+        self.write("rules.ini", settings)
+        self.write("plan", GOOD)
+        for output in ("rules.ini", "rules/simpleterms.xml", "rules/subfields.xml",
+                       "rules/primaryfields.xml", "rules/msgrules.xml", "plan"):
+            before = self.read(output)
+            with self.subTest(output=output), open(self.path("plan"), "rb") as message:
+                self.assert_ends(self.view("-", "-o", output, stdin=message), 2,
+                                 output + ": cannot be written: the page would replace an input")
+                self.assertEqual(before, self.read(output))
 
     def test_reports_go_to_standard_error_as_well(self):
         result = self.view(self.write("plan", REPORTED), "-o", "plan.html")

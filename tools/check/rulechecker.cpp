@@ -5,6 +5,7 @@
 #include "examplechecker.h"
 #include "msgrule.h"
 #include "nearestname.h"
+#include "ruleset.h"
 #include "termwarnings.h"
 
 #include <QSet>
@@ -14,18 +15,6 @@
 #include <tuple>
 
 namespace {
-
-// The files of a rule set in the order of loading, and the records that they hold.
-constexpr struct
-{
-    const char* key;
-    const char* tag;
-} RuleFiles[] = {
-    {"simpleTermsFile", "simpleTerm"},
-    {"subFieldsFile", "SubField"},
-    {"primaryFieldsFile", "PrimaryField"},
-    {"msgRulesFile", "msgRule"},
-};
 
 // For so many unknown names the nearest one is looked for: it takes a look at all names.
 constexpr int MostHints = 100;
@@ -89,11 +78,10 @@ RuleChecker::RuleChecker(QSettings* settings)
 
 void RuleChecker::readRecords(const QSettings& settings)
 {
-    for (const auto& file : RuleFiles) {
-        const QString key = QLatin1String(file.key);
-        const QString path = settings.value(QLatin1String("rules/") + key).toString();
+    for (const RuleFile& file : RuleFiles) {
+        const QString path = pathOf(file, settings);
         if (path.isEmpty())
-            m_missingKey = key;
+            m_missingKey = QLatin1String(file.key);
         m_files.append(path);
         if (path.isEmpty() || !readRuleFile(path, QLatin1String(file.tag), &m_records))
             break; // loading has ended there, too

@@ -7,6 +7,7 @@
 #include "findingobserver.h"
 
 #include <QJsonObject>
+#include <QSettings>
 #include <QString>
 
 #include <cerrno>
@@ -90,6 +91,11 @@ std::string settingsError(const std::string& settings)
         return {};
     return std::string("the settings file cannot be read: ") + std::strerror(errno) +
            "; check the name behind --settings";
+}
+
+QString pathOf(const RuleFile& file, const QSettings& settings)
+{
+    return settings.value(QLatin1String("rules/") + QLatin1String(file.key)).toString();
 }
 
 RuleSet::RuleSet(const std::string& settings, bool isJson) : m_status(load(settings, isJson)) {}

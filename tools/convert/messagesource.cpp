@@ -5,7 +5,7 @@
 MessageSource::MessageSource(const ConvertOptions& options) : m_options(options), m_inputs(options)
 {
     if (options.hasOutputFiles())
-        m_documents.emplace(options.output, m_inputs.all());
+        m_documents.emplace(options, m_inputs.all());
 }
 
 Next MessageSource::next(Message* message, Waiting waiting)

@@ -1,33 +1,30 @@
 #include "outputnames.h"
 
+#include <cstdlib>
+#include <filesystem>
+
 namespace fs = std::filesystem;
 
 namespace {
 
-// The one path that all names of an existing file share; empty if there is no such file.
-fs::path canonical(const std::string& name)
+// The document of a message that has a number goes to STEM.NUMBER.xml: to know the highest one
+// keeps the memory for a stream small.
+std::string numbered(const std::string& stem, std::uint64_t number)
 {
-    std::error_code error;
-    return fs::canonical(name, error);
+    return stem + '.' + std::to_string(number);
 }
 
-// The file that was redirected to standard input; empty if it is a pipe or a terminal.
-fs::path fileOfStandardInput()
-{
-    const fs::path file = canonical("/dev/stdin");
-    std::error_code error;
-    return fs::is_regular_file(file, error) ? file : fs::path();
-}
+constexpr const char* Suffix = ".xml";
 
 } // namespace
 
-OutputNames::OutputNames(const std::string& output, const std::deque<Input>& inputs)
-    : m_output(output), m_isFolder(isFolderName(output))
+OutputNames::OutputNames(const ConvertOptions& options, const std::deque<Input>& inputs)
+    : m_output(options.output), m_isFolder(isFolderName(m_output)), m_readFiles(options.settings)
 {
+    if (!options.filesFrom.empty())
+        m_readFiles.add(options.filesFrom);
     for (const Input& input : inputs)
-        m_inputs.insert(input.argument == StandardInput ? fileOfStandardInput()
-                                                        : canonical(input.argument));
-    m_inputs.erase(fs::path());
+        m_readFiles.add(input.argument);
 }
 
 bool OutputNames::isFolderName(const std::string& output)
@@ -38,26 +35,38 @@ bool OutputNames::isFolderName(const std::string& output)
 
 void OutputNames::assign(const Input& input, Message* message)
 {
-    message->document = fileFor(input, *message);
-    message->failure = reasonAgainst(message->document, *message);
+    const std::string stem = (fs::path(m_output) / input.documentName).string();
+    const std::string name = message->number == 0 ? stem : numbered(stem, message->number);
+    message->document = m_isFolder ? name + Suffix : m_output;
+    if (!take(message->document, stem, message->number))
+        message->failure =
+            "another message of the same file name was given before it; convert it on its own, "
+            "with another -o, or give the folder of both with -r";
+    else if (m_readFiles.contains(message->document))
+        message->failure =
+            "its document would replace the input " + message->document + "; choose another -o";
 }
 
-std::string OutputNames::fileFor(const Input& input, const Message& message) const
+// False if the file is that of another message.
+bool OutputNames::take(const std::string& file, const std::string& stem, std::uint64_t number)
 {
-    if (!m_isFolder)
-        return m_output;
-    const std::string number = message.number == 0 ? "" : '.' + std::to_string(message.number);
-    return (fs::path(m_output) / (input.documentName + number + ".xml")).string();
+    if (number == 0)
+        return m_taken.insert(file).second && !isOfStream(file);
+    std::uint64_t& highest = m_streams[stem];
+    if (number <= highest)
+        return false; // two streams have that name
+    highest = number;
+    return m_taken.count(file) == 0;
 }
 
-std::string OutputNames::reasonAgainst(const std::string& file, const Message& message)
+bool OutputNames::isOfStream(const std::string& file) const
 {
-    // The messages of one input differ by their numbers: to know the first one is enough, and keeps
-    // the memory for a stream small.
-    if (message.number <= 1 && !m_taken.insert(file).second)
-        return "another message of the same file name was given before it; convert it on its own, "
-               "with another -o, or give the folder of both with -r";
-    if (m_inputs.count(canonical(file)) != 0)
-        return "its document would replace the message " + file + "; choose another -o";
-    return {};
+    const std::string name = fs::path(file).replace_extension().string();
+    const std::string extension = fs::path(name).extension().string();
+    const std::uint64_t number =
+        extension.size() < 2 ? 0 : std::strtoull(extension.c_str() + 1, nullptr, 10);
+    const std::string stem = fs::path(name).replace_extension().string();
+    const auto stream = m_streams.find(stem);
+    return stream != m_streams.end() && number > 0 && number <= stream->second &&
+           numbered(stem, number) == name;
 }

@@ -3,20 +3,23 @@
 
 #include "inputlist.h"
 #include "message.h"
+#include "readfiles.h"
 
+#include <cstdint>
 #include <deque>
-#include <filesystem>
+#include <map>
 #include <set>
 #include <string>
 
 /// Which file each document goes to, for `-o FILE` and `-o FOLDER`.
 ///
-/// No document may take the place of another one of the same run, nor of a message.
+/// No document may take the place of another one of the same run, nor of a file that is read.
 class OutputNames
 {
 public:
-    /// Names for the documents of @p inputs. @p output is a file, or a folder if isFolderName().
-    OutputNames(const std::string& output, const std::deque<Input>& inputs);
+    /// Names for the documents of @p inputs, which are those of @p options and must outlive the
+    /// object. The output is a file, or a folder if isFolderName().
+    OutputNames(const ConvertOptions& options, const std::deque<Input>& inputs);
 
     /// True if @p output is a folder or ends with a slash: the documents go into it, each under the
     /// name of its message.
@@ -27,13 +30,14 @@ public:
     void assign(const Input& input, Message* message);
 
 private:
-    std::string fileFor(const Input& input, const Message& message) const;
-    std::string reasonAgainst(const std::string& file, const Message& message);
+    bool take(const std::string& file, const std::string& stem, std::uint64_t number);
+    bool isOfStream(const std::string& file) const;
 
-    std::string m_output;
+    const std::string& m_output;
     bool m_isFolder;
-    std::set<std::filesystem::path> m_inputs; // as canonical paths
-    std::set<std::string> m_taken;
+    ReadFiles m_readFiles;
+    std::set<std::string> m_taken;                  // by inputs that are one message
+    std::map<std::string, std::uint64_t> m_streams; // of the others the stem, and how many it has
 };
 
 #endif

@@ -11,10 +11,9 @@
 #include "messagefindings.h"
 #include "messagepage.h"
 #include "outputfile.h"
+#include "readfiles.h"
 
 #include <CLI/CLI.hpp>
-
-#include <filesystem>
 
 namespace {
 
@@ -31,10 +30,10 @@ constexpr const char* Footer =
 // Why the page must not be written to output; empty if it may.
 std::string checkOutput(const ViewOptions& options)
 {
-    std::error_code error;
-    if (std::filesystem::equivalent(options.output, options.file, error))
-        return "the page would replace the message; choose another -o";
-    return {};
+    ReadFiles readFiles(options.settings);
+    readFiles.add(options.file);
+    return readFiles.contains(options.output) ? "the page would replace an input; choose another -o"
+                                              : std::string();
 }
 
 bool writePage(const ViewOptions& options, const std::string& page)
@@ -76,17 +75,19 @@ ExitCode view(const ViewOptions& options, const std::string& message)
 
 ExitCode runComplete(const ViewOptions& options)
 {
-    if (const std::string error = checkOutput(options); !error.empty()) {
-        printError(options.output, "cannot be written: " + error);
-        return ExitCode::NotDone;
-    }
     std::string message;
     if (const std::string error = readInput(options.file, &message); !error.empty()) {
         printError(displayName(options.file), "no page: " + error);
         return ExitCode::NotDone;
     }
     const RuleSet rules(options.settings);
-    return rules.isLoaded() ? worse(rules.status(), view(options, message)) : rules.status();
+    if (!rules.isLoaded())
+        return rules.status();
+    if (const std::string error = checkOutput(options); !error.empty()) {
+        printError(options.output, "cannot be written: " + error);
+        return ExitCode::NotDone;
+    }
+    return worse(rules.status(), view(options, message));
 }
 
 } // namespace
