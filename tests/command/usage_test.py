@@ -47,6 +47,8 @@ class WrongArguments(CommandTest):
             (["convert", "-o", "", "a"], "--output: the name is empty"),
             (["convert", "-o", "a", "-o", "b"], "--output"),
             (["convert", "\n", "--x\n"], 'unknown option "--x\\n"'),
+            (["conver\x85\u202e"], 'unknown subcommand "conver\\u0085\\u202E"'),
+            (["convert", b"--x\x9b2J\xff"], 'unknown option "--x\\x9B2J\\xFF"'),
         ]
         for arguments, text in cases:
             with self.subTest(arguments=arguments):

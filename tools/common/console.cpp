@@ -6,40 +6,95 @@
 
 namespace {
 
-void appendEscape(std::string* out, unsigned char c)
+void appendHex(std::string* out, char32_t value, int digits)
 {
     constexpr const char* HexDigits = "0123456789ABCDEF";
-    *out += '\\';
+    for (int shift = 4 * (digits - 1); shift >= 0; shift -= 4)
+        *out += HexDigits[value >> shift & 0xfU];
+}
+
+void appendByte(std::string* out, char byte)
+{
+    *out += "\\x";
+    appendHex(out, static_cast<unsigned char>(byte), 2);
+}
+
+void appendControl(std::string* out, char32_t c)
+{
     switch (c) {
     case '\n':
-        *out += 'n';
+        *out += "\\n";
         break;
     case '\r':
-        *out += 'r';
+        *out += "\\r";
         break;
     case '\t':
-        *out += 't';
+        *out += "\\t";
         break;
     default:
-        *out += 'x';
-        *out += HexDigits[c / 16];
-        *out += HexDigits[c % 16];
+        if (c < 0x80)
+            return appendByte(out, static_cast<char>(c));
+        *out += "\\u";
+        appendHex(out, c, 4);
     }
+}
+
+bool isControl(char32_t c)
+{
+    const bool isC0 = c < ' ';
+    const bool isDeleteOrC1 = c >= 0x7f && c < 0xa0;
+    const bool turnsDirection = (c >= 0x202a && c <= 0x202e) || (c >= 0x2066 && c <= 0x2069);
+    return isC0 || isDeleteOrC1 || turnsDirection;
+}
+
+// How many bytes the UTF-8 character has that begins with this byte; 0 if none does.
+std::size_t lengthByFirst(unsigned char byte)
+{
+    if (byte < 0x80)
+        return 1;
+    if (byte < 0xc2 || byte > 0xf4)
+        return 0;
+    return byte < 0xe0 ? 2 : byte < 0xf0 ? 3 : 4;
+}
+
+// The length in bytes of the UTF-8 character at the beginning of @p text, which is put into @p c; 0
+// if there is none.
+std::size_t readCharacter(std::string_view text, char32_t* c)
+{
+    const auto first = static_cast<unsigned char>(text.front());
+    const std::size_t length = lengthByFirst(first);
+    if (length < 2 || length > text.size()) {
+        *c = first;
+        return length == 1 ? 1 : 0;
+    }
+    *c = first & (0x7fU >> length);
+    for (const char next : text.substr(1, length - 1)) {
+        const auto byte = static_cast<unsigned char>(next);
+        if ((byte & 0xc0U) != 0x80U)
+            return 0;
+        *c = *c << 6U | (byte & 0x3fU);
+    }
+    const bool isOverlong = (length == 3 && *c < 0x800) || (length == 4 && *c < 0x10000);
+    const bool isSurrogate = *c >= 0xd800 && *c < 0xe000;
+    return isOverlong || isSurrogate || *c > 0x10ffff ? 0 : length;
 }
 
 } // namespace
 
 std::string escaped(std::string_view text)
 {
-    constexpr unsigned char Delete = 0x7f;
     std::string out;
     out.reserve(text.size());
-    for (const char c : text) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (byte < ' ' || byte == Delete)
-            appendEscape(&out, byte);
+    while (!text.empty()) {
+        char32_t c = 0;
+        const std::size_t length = readCharacter(text, &c);
+        if (length == 0)
+            appendByte(&out, text.front());
+        else if (isControl(c))
+            appendControl(&out, c);
         else
-            out += c;
+            out += text.substr(0, length);
+        text.remove_prefix(length == 0 ? 1 : length);
     }
     return out;
 }

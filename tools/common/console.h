@@ -4,8 +4,9 @@
 #include <string>
 #include <string_view>
 
-/// @p text with control characters written as \n, \t, \r or \x1B: names and reports stay on one
-/// line and cannot drive the terminal. Everything else stays as it is.
+/// @p text with control characters written as \n, \t, \r or \x1B, those beyond ASCII and those that
+/// turn the direction of writing as \u202E, and bytes that are not UTF-8 as \x9B: names and reports
+/// stay on one line and cannot drive the terminal. Everything else stays as it is.
 std::string escaped(std::string_view text);
 
 /// "subject: text" as one line, both escaped.
