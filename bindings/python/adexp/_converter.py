@@ -16,6 +16,13 @@ BUILT_IN_SETTINGS = ":/adexp/adexp.ini"
 _LONGEST_MESSAGE = 2**31 - 1
 
 
+def _bytes_of(message: Union[str, bytes]) -> bytes:
+    # What a class derived from them says of itself may not be so: the library would read on.
+    if isinstance(message, str):
+        return str.encode(message, "utf-8")
+    return message if type(message) is bytes else memoryview(message).tobytes()
+
+
 class Converter:
     """Converts messages by a rule set; a context manager.
 
@@ -35,7 +42,9 @@ class Converter:
     _process_lock: ClassVar[threading.Lock] = threading.Lock()  # held by the open converter
 
     def __init__(self, settings: Union[str, "os.PathLike[str]"] = BUILT_IN_SETTINGS) -> None:
-        self._calls = threading.Lock()
+        # A signal handler may call into the midst of a call of its own thread, and is told so.
+        self._calls = threading.RLock()
+        self._is_converting = False
         self._is_open = False
         path = os.fsencode(settings)
         if not path.startswith(b":"):
@@ -68,19 +77,28 @@ class Converter:
 
         message  the text, or its UTF-8 bytes (invalid ones become U+FFFD); at most 2 GiB
 
+        What a signal handler raises meanwhile (KeyboardInterrupt) is raised when the message is
+        converted.
+
         What is wrong with the message is in `diagnostics` afterwards; it gives a document all the
         same. Raises NoDocumentError if it does not, ValueError if the converter is closed, the
-        message is too long or its text holds surrogates.
+        message is too long or its text holds surrogates, InUseError in a signal handler that came
+        into the midst of a conversion.
         """
-        data = message.encode("utf-8") if isinstance(message, str) else message
+        data = _bytes_of(message)
         if len(data) > _LONGEST_MESSAGE:
             raise ValueError(f"the message is longer than {_LONGEST_MESSAGE} bytes")
         with self._calls:
-            if not self._is_open:
-                raise ValueError("the converter is closed")
-            with Collector(self._output) as reports:
-                document = self._convert(data)
-            self.diagnostics = reports.lines
+            self._refuse_if_converting()
+            self._is_converting = True
+            try:
+                if not self._is_open:
+                    raise ValueError("the converter is closed")
+                with Collector(self._output) as reports:
+                    document = self._convert(data)
+                self.diagnostics = reports.lines
+            finally:
+                self._is_converting = False
         if document is None:
             raise NoDocumentError("the message gives no document: it has no -TITLE, or the rule set "
                                   "has no rule for its title", reports.lines)
@@ -96,9 +114,16 @@ class Converter:
         finally:
             self._library.free_adexp(document)
 
+    def _refuse_if_converting(self) -> None:
+        if self._is_converting:
+            raise InUseError("the converter is converting a message; close it or convert with it "
+                             "after that, not in a signal handler")
+
     def close(self) -> None:
-        """Lets go of the rule set. May be called again."""
+        """Lets go of the rule set. May be called again. Raises InUseError in a signal handler that
+        came into the midst of a conversion."""
         with self._calls:
+            self._refuse_if_converting()
             if self._is_open:
                 self._is_open = False
                 self._library.clear_adexp()

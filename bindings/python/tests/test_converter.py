@@ -2,6 +2,7 @@
 import ctypes
 import os
 import resource
+import signal
 import subprocess
 import sys
 import threading
@@ -75,9 +76,27 @@ def test_rejects_surrogates(converter):
         converter.convert("-TITLE RFI \ud800")
 
 
-def test_rejects_what_is_no_text(converter):
-    with pytest.raises(ctypes.ArgumentError):
-        converter.convert([1, 2])
+@pytest.mark.parametrize("message", [[1, 2], 5, None])
+def test_rejects_what_is_no_text(converter, message):
+    with pytest.raises(TypeError):
+        converter.convert(message)
+
+
+@pytest.mark.parametrize("length", [0, 20, 10**6])
+def test_reads_what_is_there_whatever_a_class_says(converter, length):
+    class Text(str):
+        def encode(self, *_):
+            return Bytes(str.encode(self))
+
+    class Bytes(bytes):
+        def __len__(self):
+            return length
+
+        def __bytes__(self):
+            return self
+
+    assert converter.convert(Bytes(GOOD.encode())) == converter.convert(GOOD)
+    assert converter.convert(Text(GOOD)) == converter.convert(GOOD)
 
 
 def test_rejects_a_message_longer_than_the_library_counts(converter, monkeypatch):
@@ -107,6 +126,32 @@ def test_nothing_is_written_to_standard_error(converter, capfd):
     assert capfd.readouterr().err == ""
 
 
+def test_settings_for_logging_hide_no_reports():
+    code = f"import adexp; c = adexp.Converter(); c.convert('X {GOOD}'); print(c.diagnostics)"
+    result = subprocess.run([sys.executable, "-c", code], capture_output=True, text=True, check=True,
+                            env={**os.environ, "QT_LOGGING_RULES": "*=false"})
+    assert result.stdout == "['\"ignore word\" \"X\"']\n"
+
+
+def test_messages_that_the_application_has_switched_off_stay_off(converter, capfd):
+    library = load()
+    output = MessageOutput(library)
+    output.switch_off((0,))
+    try:
+        converter.convert("X " + GOOD)
+        assert converter.diagnostics == ['"ignore word" "X"']
+        with Collector(output):
+            other = threading.Thread(target=log, args=(library, b"other"))
+            other.start()
+            other.join()
+        log(library, b"after")
+        assert capfd.readouterr().err == ""
+    finally:
+        output.let_through()
+    log(library, b"on again")
+    assert "on again" in capfd.readouterr().err
+
+
 def test_the_handler_before_is_back_after_a_call(capfd):
     library = load()
     with Collector(MessageOutput(library)):
@@ -133,6 +178,59 @@ def log(library, text):
     context = ctypes.create_string_buffer(64)
     ctypes.c_int.from_buffer(context).value = 2  # version of the context
     library["_ZNK14QMessageLogger5debugEPKcz"](context, text)
+
+
+# Signals
+
+@pytest.fixture
+def alarm():
+    """Has a function called by a signal soon."""
+    def set_alarm(function):
+        signal.signal(signal.SIGALRM, lambda *_: function())
+        signal.setitimer(signal.ITIMER_REAL, 0.05)
+
+    before = signal.getsignal(signal.SIGALRM)
+    yield set_alarm
+    signal.setitimer(signal.ITIMER_REAL, 0)
+    signal.signal(signal.SIGALRM, before)
+
+
+# While it is converted, Python runs for its reports only.
+LONG = "X " * 100_000 + GOOD
+
+
+@pytest.mark.parametrize("interrupt", [KeyboardInterrupt, ZeroDivisionError])
+def test_what_a_signal_handler_raises_reaches_the_caller(converter, alarm, capfd, interrupt):
+    def raise_it():
+        raise interrupt
+
+    alarm(raise_it)
+    with pytest.raises(interrupt):
+        converter.convert(LONG)
+    assert capfd.readouterr().err == ""
+    assert converter.convert(GOOD)
+    assert converter.diagnostics == []
+
+
+@pytest.mark.parametrize("call", [lambda converter: converter.close(),
+                                  lambda converter: converter.convert(GOOD)])
+def test_signal_handler_cannot_use_the_converter_that_it_interrupts(converter, alarm, call):
+    alarm(lambda: call(converter))
+    with pytest.raises(adexp.InUseError, match="signal handler"):
+        converter.convert(LONG)
+    assert converter.convert(GOOD)
+
+
+def test_other_errors_that_nobody_can_catch_go_where_they_went(monkeypatch):
+    class Failing:
+        def __del__(self):
+            raise ValueError("lost")
+
+    seen = []
+    monkeypatch.setattr(sys, "unraisablehook", lambda unraisable: seen.append(unraisable.exc_type))
+    with Collector(MessageOutput(load())):
+        Failing()
+    assert seen == [ValueError]
 
 
 # Rule sets
