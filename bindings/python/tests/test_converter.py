@@ -226,11 +226,22 @@ def test_other_errors_that_nobody_can_catch_go_where_they_went(monkeypatch):
         def __del__(self):
             raise ValueError("lost")
 
+    @ctypes.CFUNCTYPE(None)
+    def fail():
+        raise IndexError("lost")
+
+    def hook(unraisable):
+        seen.append(unraisable.exc_type)
+
     seen = []
-    monkeypatch.setattr(sys, "unraisablehook", lambda unraisable: seen.append(unraisable.exc_type))
+    monkeypatch.setattr(sys, "unraisablehook", hook)
     with Collector(MessageOutput(load())):
         Failing()
-    assert seen == [ValueError]
+        other = threading.Thread(target=fail)
+        other.start()
+        other.join()
+    assert seen == [ValueError, IndexError]
+    assert sys.unraisablehook is hook
 
 
 # Rule sets
