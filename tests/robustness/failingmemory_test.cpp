@@ -2,12 +2,12 @@
 // caller, nothing is lost, and the next call works as if nothing had been.
 
 #include "countedheap.h"
+#include "host.h"
 
 #include "support/reports.h"
 #include "support/rulefolder.h"
 #include "support/ruleset.h"
 
-#include "adexp.h"
 #include "namedlist.h"
 #include "termvariable.h"
 
@@ -26,8 +26,6 @@ namespace {
 
 using CountedHeap::Failures;
 
-const QString EmbeddedSettings = QStringLiteral(":/adexp/adexp.ini");
-
 const std::string Good = "-TITLE IFPL -ARCID EIN21K -BEGIN RTEPTS -PT -PTID BEPAN -END RTEPTS";
 const std::string Faulty =
     "stray -TITLE IFPL - ARCID E%% -NOSUCHFIELD X - -BEGIN RTEPTS -PT -PTID TOOLONG -END WRONG";
@@ -39,22 +37,6 @@ std::string largeMessage()
     for (int i = 0; i < 5000; ++i)
         message += " -PT -PTID BEPAN";
     return message + " -END RTEPTS -RMK " + std::string(100000, 'X') + '%';
-}
-
-int init(const std::string& settings)
-{
-    return init_adexp(settings.data(), static_cast<int>(settings.size()));
-}
-
-// What a conversion gives; "null" if that is no document.
-std::string convert(const std::string& message)
-{
-    unsigned int length = 0;
-    const char* const document =
-        convert_from_adexp(message.data(), static_cast<unsigned int>(message.size()), &length);
-    const std::string result = document ? std::string(document, length) : "null";
-    free_adexp(document);
-    return result;
 }
 
 // A rule set as it comes from its files, and a message converted with it.
@@ -361,7 +343,7 @@ TEST_F(FailingMemory, LoadingWithReportsReturns2AndLosesNothing)
 
 TEST_F(FailingMemory, LoadingTheEmbeddedRulesReturns2AndLosesNothing)
 {
-    checkInit(EmbeddedSettings.toStdString(), 997);
+    checkInit(BuiltInRuleSet, 997);
 }
 
 TEST_F(FailingMemory, LoadingWithTooLittleMemoryReturns2AndLosesNothing)
@@ -372,18 +354,17 @@ TEST_F(FailingMemory, LoadingWithTooLittleMemoryReturns2AndLosesNothing)
 
 TEST_F(FailingMemory, LoadingTheEmbeddedRulesWithTooLittleMemoryReturns2AndLosesNothing)
 {
-    checkInitWithLimit(EmbeddedSettings.toStdString(), 50);
+    checkInitWithLimit(BuiltInRuleSet, 50);
 }
 
 // Qt takes memory that it keeps when it is used the first time: in a process of its own each time.
 TEST_F(FailingMemory, FirstCallInAProcessWithTooLittleMemoryReturns2)
 {
-    const std::string settings = EmbeddedSettings.toStdString();
     for (long limit = 0; limit < 400000; limit += 2000) {
         const pid_t child = fork();
         if (child == 0) {
             CountedHeap::limitBytes(CountedHeap::liveBytes() + limit);
-            _exit(init(settings));
+            _exit(init());
         }
         int status = 0;
         waitpid(child, &status, 0);
@@ -395,7 +376,7 @@ TEST_F(FailingMemory, FirstCallInAProcessWithTooLittleMemoryReturns2)
 TEST_F(FailingMemory, ConversionGivesNullAndLosesNothing)
 {
     checkConversion(smallRuleSet(), Good, false);
-    checkConversion(EmbeddedSettings.toStdString(), "-TITLE ACK -MSGREF 1", false);
+    checkConversion(BuiltInRuleSet, "-TITLE ACK -MSGREF 1", false);
 }
 
 TEST_F(FailingMemory, ConversionWithReportsGivesNullAndLosesNothing)

@@ -4,17 +4,13 @@
 // Usage: FOLDER-OF-MESSAGES
 
 #include "countedheap.h"
-
-#include "adexp.h"
+#include "host.h"
 
 #include <QtGlobal>
 
 #include <cmath>
 #include <cstdio>
-#include <cstring>
-#include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <numeric>
 #include <string>
 #include <vector>
@@ -31,23 +27,7 @@ constexpr int Samples = 100;
 // their number; this is for memory that comes from elsewhere.
 constexpr double AllowedBytes = 1024 * 1024;
 
-const char* const Settings = ":/adexp/adexp.ini";
-
 void ignore(QtMsgType, const QMessageLogContext&, const QString&) {}
-
-std::vector<std::string> readMessages(const char* folder)
-{
-    // Neither a title nor a rule, nor anything at all.
-    std::vector<std::string> messages{"-ARCID ABC", "-TITLE NOSUCHTITLE -ARCID ABC", ""};
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
-        if (!entry.is_regular_file())
-            continue;
-        std::ifstream file(entry.path(), std::ios::binary);
-        messages.emplace_back(std::istreambuf_iterator<char>(file),
-                              std::istreambuf_iterator<char>());
-    }
-    return messages;
-}
 
 double residentBytes()
 {
@@ -83,20 +63,6 @@ bool staysFlat(const char* name, int runs, Task task)
     return last - first <= AllowedBytes && moreBlocks == 0;
 }
 
-bool load()
-{
-    return init_adexp(Settings, static_cast<int>(std::strlen(Settings))) == 0;
-}
-
-// True if there is a document.
-bool convert(const std::string& message)
-{
-    const char* const document =
-        convert_from_adexp(message.data(), static_cast<unsigned int>(message.size()), nullptr);
-    free_adexp(document);
-    return document != nullptr;
-}
-
 } // namespace
 
 int main(int argc, char** argv)
@@ -104,16 +70,18 @@ int main(int argc, char** argv)
     if (argc != 2)
         return 2;
     qInstallMessageHandler(&ignore);
-    const std::vector<std::string> messages = readMessages(argv[1]);
-    if (messages.size() < 10 || !load())
+    std::vector<std::string> messages = readMessages(argv[1]);
+    // Neither a title nor a rule, nor anything at all.
+    messages.insert(messages.begin(), {"-ARCID ABC", "-TITLE NOSUCHTITLE -ARCID ABC", ""});
+    if (messages.size() < 10 || init() != 0)
         return 2;
     int documents = 0;
     const auto convertNext = [&](int i) {
-        documents += convert(messages[static_cast<size_t>(i) % messages.size()]);
+        documents += convert(messages[static_cast<size_t>(i) % messages.size()]) != "null";
     };
     // The rule for a message is indexed by its first conversion, so always the same one follows.
     const auto loadAgain = [&](int) {
-        load();
+        init();
         convertNext(3);
     };
     // Until everything that is kept for good is there.
