@@ -36,6 +36,18 @@ class Summary(CommandTest):
         self.assertIn('    3 x "ignore word" "zulu" \n    1 x "ignore word" "alpha" \n',
                       self.summary("in").stdout)
 
+    def test_text_that_looks_like_a_field_is_none(self):
+        self.write("in/a", '-TITLE PLAN -ARCID ABC123 -POINT <A valid="false"> -POINT < valid="f\n')
+        self.assertIn("\ntotal                1           3         0 ", self.summary("in").stdout)
+
+    def test_title_with_characters_that_xml_escapes(self):
+        self.settings("rules.ini", self.path("rules.xml"))
+        self.write("rules.xml", '<msgRules><msgRule title="A&amp;&quot;&gt;"><fields>ARCID</fields>'
+                                '</msgRule></msgRules>')
+        self.write("in/a", '-TITLE A&"> -ARCID ABC123\n')
+        self.assertIn('\nA&">                 1           1         0            0\n',
+                      self.summary("in").stdout)
+
     def test_nothing_reported_ends_with_0(self):
         self.assert_ends(self.summary(self.write("a", GOOD)), 0)
 

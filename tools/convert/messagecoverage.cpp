@@ -6,23 +6,35 @@
 #include <QByteArray>
 #include <QXmlStreamReader>
 
-// Every element with the attribute "valid" is a field, but for the first one: the message itself.
+namespace {
+
+// The first line of a document is the tag of its root element.
+std::string titleOf(std::string_view document)
+{
+    const std::string_view line = document.substr(0, document.find('\n'));
+    using Size = decltype(QByteArray().size()); // int up to Qt 5
+    QXmlStreamReader reader(QByteArray::fromRawData(line.data(), static_cast<Size>(line.size())));
+    reader.readNextStartElement();
+    return reader.attributes().value(QLatin1String("rule")).toString().toStdString();
+}
+
+} // namespace
+
+// Every element with the attribute "valid", which is the first one, is a field, but for the first
+// element: the message itself. A "<" of a text is written as an entity. An XML reader would take
+// ten times as long as the conversion.
 void MessageCoverage::countDocument(std::string_view document)
 {
-    using Size = decltype(QByteArray().size()); // int up to Qt 5
-    QXmlStreamReader reader(
-        QByteArray::fromRawData(document.data(), static_cast<Size>(document.size())));
-    reader.readNextStartElement();
-    title = reader.attributes().value(QLatin1String("rule")).toString().toStdString();
-    reader.readNextStartElement();
-    while (!reader.atEnd()) {
-        if (reader.readNext() != QXmlStreamReader::StartElement)
-            continue;
-        const auto attributes = reader.attributes();
-        if (!attributes.hasAttribute(QLatin1String("valid")))
+    constexpr std::string_view Valid = " valid=\"";
+    title = titleOf(document);
+    fields = -1;
+    for (std::size_t tag = document.find('<'); tag != std::string_view::npos;
+         tag = document.find('<', tag + 1)) {
+        const std::string_view attributes = document.substr(document.find_first_of(" >", tag));
+        if (attributes.substr(0, Valid.size()) != Valid)
             continue;
         ++fields;
-        if (attributes.value(QLatin1String("valid")) == QLatin1String("false"))
+        if (attributes[Valid.size()] == 'f')
             ++unknownFields;
     }
 }
