@@ -11,7 +11,7 @@
 /// SIGINT and the other signals that ask to end wait while the file is being written, so that no
 /// half-written file stays behind.
 ///
-/// Returns what went wrong, empty if nothing did.
+/// Returns what went wrong and what to do about it, empty if nothing did.
 std::string writeFile(const std::string& path, std::string_view data);
 
 #endif

@@ -47,10 +47,8 @@ void MessageReports::notConverted(const std::string& reason)
 
 void MessageReports::notWritten(const std::string& document, const std::string& reason)
 {
-    const std::string text = "cannot be written: " + reason +
-                             "; check the name, the permissions and the room on the disk";
-    fail(document + ' ' + text,
-         m_options.isJson ? jsonLine(errorJson(document, text)) : errorLine(document, text));
+    fail(document + ' ' + reason,
+         m_options.isJson ? jsonLine(errorJson(document, reason)) : errorLine(document, reason));
 }
 
 // The reason goes into the summary, the line is shown.

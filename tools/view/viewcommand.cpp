@@ -44,9 +44,7 @@ bool writePage(const ViewOptions& options, const std::string& page)
         return out.flush();
     }
     if (const std::string error = writeFile(options.output, page); !error.empty()) {
-        printError(options.output,
-                   "cannot be written: " + error +
-                       "; check the name, the permissions and the room on the disk");
+        printError(options.output, error);
         return false;
     }
     return true;
