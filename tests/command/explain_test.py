@@ -109,6 +109,9 @@ class Explain(OwnRules):
     def test_unknown_name_is_told_with_the_nearest(self):
         self.assert_ends(self.explain("LEVL"), 2, "LEVL: there is no term", "the nearest one is LEVEL")
 
+    def test_exchanged_letters_are_one_mistake(self):
+        self.assert_ends(self.run_command("explain", "EOTB"), 2, "the nearest one is EOBT")
+
     def test_full_standard_output_is_told(self):
         with open("/dev/full", "w", encoding="utf-8") as full:
             result = self.explain("FL", stdout=full)

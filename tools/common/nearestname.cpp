@@ -4,18 +4,22 @@
 #include <limits>
 #include <numeric>
 
-// The Levenshtein distance, row by row.
+// The Levenshtein distance with exchanges of neighbours, row by row.
 std::size_t editDistance(const std::string& a, const std::string& b)
 {
     std::vector<std::size_t> row(b.size() + 1);
     std::iota(row.begin(), row.end(), std::size_t{0});
+    std::vector<std::size_t> above = row;
+    std::vector<std::size_t> twoAbove = row;
     for (std::size_t i = 1; i <= a.size(); ++i) {
-        std::size_t diagonal = row[0];
+        twoAbove.swap(above);
+        above.swap(row);
         row[0] = i;
         for (std::size_t j = 1; j <= b.size(); ++j) {
-            const std::size_t replaced = diagonal + (a[i - 1] == b[j - 1] ? 0 : 1);
-            diagonal = row[j];
-            row[j] = std::min({replaced, row[j] + 1, row[j - 1] + 1});
+            const std::size_t replaced = above[j - 1] + (a[i - 1] == b[j - 1] ? 0 : 1);
+            row[j] = std::min({replaced, above[j] + 1, row[j - 1] + 1});
+            if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1])
+                row[j] = std::min(row[j], twoAbove[j - 2] + 1);
         }
     }
     return row.back();
