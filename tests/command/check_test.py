@@ -134,7 +134,7 @@ class Check(CommandTest):
 
     def test_file_that_is_not_there(self):
         self.assertEqual("sub.xml: error: can not open file sub.xml for read: No such file or "
-                         "directory\n1 error, 0 warnings; 0 definitions, 0 message rules; the files "
+                         "directory; a relative path starts from the working directory\n1 error, 0 warnings; 0 definitions, 0 message rules; the files "
                          "behind the one that cannot be read were not looked at\n", self.not_there())
 
     def test_file_that_is_not_named(self):

@@ -8,6 +8,7 @@
 #include "ruleset.h"
 #include "termwarnings.h"
 
+#include <QFileInfo>
 #include <QSet>
 #include <QSettings>
 
@@ -46,6 +47,11 @@ QStringList wordsOf(const QString& expression)
         }
     }
     return words;
+}
+
+bool isMissing(const QString& path)
+{
+    return !path.isEmpty() && QFileInfo(path).isRelative() && !QFileInfo::exists(path);
 }
 
 // All that may be a name in the expression of the record, which may be null.
@@ -138,6 +144,8 @@ void RuleChecker::keepCauses(const std::vector<Finding>& all)
         if (cause.record.xmlFile.isEmpty() && !m_missingKey.isEmpty())
             cause.text += QLatin1String("; give it behind the key ") + m_missingKey +
                           QLatin1String(" of the group [rules]");
+        if (isMissing(cause.record.xmlFile))
+            cause.text += QLatin1String("; a relative path starts from the working directory");
         if (cause.kind == FindingKind::UnknownName)
             cause.text += hintFor(cause);
         if (cause.kind == FindingKind::Loop && loops++ < MostHints)

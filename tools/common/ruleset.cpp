@@ -74,7 +74,7 @@ ExitCode load(const std::string& settings, bool isJson)
     default:
         report(settings,
                "the rule set cannot be loaded, the lines above say why; correct the settings file "
-               "or the rule file they name",
+               "or the rule file they name (a relative path starts from the working directory)",
                isJson);
         return ExitCode::NotDone;
     }
