@@ -49,14 +49,16 @@ class Help:
 def heads(lines):
     """The (head, text) pairs of a section: "  HEAD   text", or the text indented on the next line.
 
-    All texts begin in one column. A head that reaches almost up to it has only one blank behind it.
+    All texts begin in one column. A head that reaches almost up to it has only one blank behind it;
+    where such a head ends in a list of options, it goes on behind the blank, and its text is below.
     """
     begins = [match.start(1) for line in lines if (match := re.match(r" {2}\S.*? {2,}(\S)", line))]
     column = statistics.mode(begins) if begins else None
     pairs = []
     for line in lines:
         if re.match(r" {2}\S", line):
-            has_text = column and line[column - 1:column] == " "
+            has_text = column and line[column - 1:column] == " " and \
+                not re.search(r"(Needs|Excludes):.*(?<! ) $", line[:column])
             pairs.append((line[:column].strip(), line[column:]) if has_text else (line.strip(), ""))
         elif pairs and line.strip():
             pairs[-1] = (pairs[-1][0], f"{pairs[-1][1]} {line.strip()}".strip())

@@ -16,10 +16,15 @@
 #include <QLoggingCategory>
 #include <QtGlobal>
 
+#include <algorithm>
+#include <array>
 #include <clocale>
 #include <csignal>
 #include <fcntl.h>
+#include <functional>
+#include <memory>
 #include <new>
+#include <optional>
 #include <unistd.h>
 
 namespace {
@@ -61,44 +66,54 @@ void prepareProcess()
     static_cast<void>(std::setlocale(LC_CTYPE, ""));
 }
 
+struct Subcommand
+{
+    const CLI::App* command;
+    std::function<ExitCode()> run;
+};
+
+// What add() makes of the command line is what run() takes.
+template <typename Options>
+Subcommand subcommand(CLI::App* app, CLI::App* (*add)(CLI::App*, Options*),
+                      ExitCode (*run)(const Options&))
+{
+    const auto options = std::make_shared<Options>();
+    return {add(app, options.get()), [options, run] { return run(*options); }};
+}
+
+constexpr const char* Footer =
+    "Each subcommand has a --help and a manual page, man adexp-convert for example. Beside bin/,\n"
+    "where this command is installed, rule files to copy and change lie in share/adexp/rules,\n"
+    "their schemas in share/adexp/schemas, documents and sample messages in share/doc.\n"
+    "\n"
+    "Examples:\n"
+    "  adexp convert plan.adexp > plan.xml\n"
+    "  adexp view plan.adexp -o plan.html\n"
+    "  adexp check --settings my.ini\n";
+
 ExitCode run(int argc, const char* const* argv)
 {
     CLI::App app("Converts air-traffic messages in ADEXP to XML by rule files.", CommandName);
     app.set_version_flag("--version", std::string(CommandName) + ' ' + ADEXP_VERSION,
                          "Show the version");
     app.require_subcommand(1);
-    addFooter(&app, "Example:\n  adexp convert plan.adexp > plan.xml\n");
+    addFooter(&app, Footer);
 
-    CheckOptions checkOptions;
-    ConvertOptions convertOptions;
-    ExplainOptions explainOptions;
-    MatchOptions matchOptions;
-    TreeOptions treeOptions;
-    ViewOptions viewOptions;
-    DumpOptions dumpOptions;
-    const CLI::App* const convert = addConvertCommand(&app, &convertOptions);
-    const CLI::App* const tree = addTreeCommand(&app, &treeOptions);
-    const CLI::App* const check = addCheckCommand(&app, &checkOptions);
-    const CLI::App* const explain = addExplainCommand(&app, &explainOptions);
-    const CLI::App* const match = addMatchCommand(&app, &matchOptions);
-    const CLI::App* const view = addViewCommand(&app, &viewOptions);
-    addDumpCommand(&app, &dumpOptions);
+    const std::array subcommands{
+        subcommand(&app, addConvertCommand, runConvert),
+        subcommand(&app, addTreeCommand, runTree),
+        subcommand(&app, addCheckCommand, runCheck),
+        subcommand(&app, addExplainCommand, runExplain),
+        subcommand(&app, addMatchCommand, runMatch),
+        subcommand(&app, addViewCommand, runView),
+        subcommand(&app, addDumpCommand, runDump),
+    };
 
     if (const std::optional<ExitCode> end = parseCommandLine(&app, argc, argv))
         return *end;
-    if (convert->parsed())
-        return runConvert(convertOptions);
-    if (tree->parsed())
-        return runTree(treeOptions);
-    if (check->parsed())
-        return runCheck(checkOptions);
-    if (explain->parsed())
-        return runExplain(explainOptions);
-    if (match->parsed())
-        return runMatch(matchOptions);
-    if (view->parsed())
-        return runView(viewOptions);
-    return runDump(dumpOptions);
+    const auto given = std::find_if(subcommands.begin(), subcommands.end(),
+                                    [](const Subcommand& each) { return each.command->parsed(); });
+    return given->run();
 }
 
 } // namespace

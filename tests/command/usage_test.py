@@ -6,13 +6,20 @@ from commandtest import CommandTest, main
 class Help(CommandTest):
 
     def test_every_help_has_an_example_and_the_exit_codes(self):
-        for subcommand in ([], ["convert"], ["tree"], ["check"], ["explain"], ["match"], ["dump"]):
+        for subcommand in ([], ["convert"], ["tree"], ["check"], ["explain"], ["match"], ["view"],
+                           ["dump"]):
             with self.subTest(subcommand=subcommand):
                 result = self.run_command(*subcommand, "--help")
                 self.assert_ends(result, 0)
                 self.assertIn("\n  " + " ".join(["adexp", *subcommand]), result.stdout)
                 for code in ("0 ", "1 ", "2 ", "64 ", "128+n "):
                     self.assertIn("\n  " + code, result.stdout)
+
+    def test_explanations_of_options_fit_a_terminal(self):
+        for subcommand in ("convert", "match"):
+            lines = self.run_command(subcommand, "--help").stdout.split("\n\n")[2].splitlines()
+            self.assertEqual("Options:", lines[0])
+            self.assertLessEqual(max(map(len, lines)), 80)
 
     def test_help_that_cannot_be_written(self):
         with open("/dev/full", "w", encoding="utf-8") as full:

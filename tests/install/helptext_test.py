@@ -72,6 +72,8 @@ class HelpText(unittest.TestCase):
                                 "  --a b c F g  h", "  --ab c d", "          I j", ""]),
                          [("-a", "A b"), ("-b", "C d"), ("-c", "E"), ("--a b c", "F g  h"),
                           ("--ab c d", "I j")])
+        self.assertEqual(heads(["  -a               A", "  --ab F Excludes: G", " " * 19 + "B"]),
+                         [("-a", "A"), ("--ab F Excludes: G", "B")])
         self.assertEqual(heads([" ", "  -b", "          C"]), [("-b", "C")])
 
     def test_sections(self):

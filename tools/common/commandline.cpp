@@ -7,6 +7,7 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <sstream>
 #include <vector>
 
 namespace {
@@ -97,6 +98,32 @@ ExitCode usageError(const CLI::App& app, const CLI::ParseError& error)
     return ExitCode::Usage;
 }
 
+// Lines of no more than width characters, a longer word aside.
+std::string wrapped(const std::string& text, std::size_t width)
+{
+    std::istringstream words(text);
+    std::string lines;
+    std::size_t length = 0;
+    for (std::string word; words >> word; length += word.size()) {
+        const bool fits = length + 1 + word.size() <= width;
+        if (length != 0)
+            lines += fits ? ' ' : '\n';
+        length = length != 0 && fits ? length + 1 : 0;
+        lines += word;
+    }
+    return lines;
+}
+
+// The help with the explanations of options in a column that fits a terminal.
+std::string help(CLI::App* app)
+{
+    constexpr std::size_t Width = 50;
+    for (CLI::App* const command : app->get_subcommands()) // the one that was given
+        for (CLI::Option* const option : command->get_options())
+            option->description(wrapped(option->get_description(), Width));
+    return app->help();
+}
+
 ExitCode print(const std::string& text)
 {
     StandardOutput out;
@@ -146,7 +173,7 @@ std::optional<ExitCode> parseCommandLine(CLI::App* app, int argc, const char* co
         app->parse(arguments(argc, argv));
         return std::nullopt;
     } catch (const CLI::CallForHelp&) {
-        return print(app->help());
+        return print(help(app));
     } catch (const CLI::CallForVersion& version) {
         return print(std::string(version.what()) + '\n');
     } catch (const CLI::ParseError& error) {
