@@ -44,9 +44,21 @@ function(finish_package component)
         # They are there as copyright and changelog.
         file(REMOVE ${share}/doc/${package}/LICENSE ${share}/doc/${package}/CHANGELOG.md)
     endif()
+    if(EXISTS ${share}/doc/${package}/bindings) # of the Python module: all that is in the package
+        file(RENAME ${share}/doc/${package}/bindings/python/README.md ${share}/doc/${package}/README.md)
+        file(REMOVE_RECURSE ${share}/doc/${package}/bindings)
+    endif()
     file(MAKE_DIRECTORY ${share}/doc/${package})
     write_documents(${share}/doc/${package})
 
+    # A package stays where it is: without the detour over its own place pkg-config knows the folders
+    # that every compiler searches.
+    file(GLOB pc ${usr}/lib/*/pkgconfig/adexp.pc)
+    if(pc)
+        file(READ ${pc} text)
+        string(REGEX REPLACE "^prefix=[^\n]*" "prefix=/usr" text "${text}")
+        file(WRITE ${pc} "${text}")
+    endif()
     file(GLOB pages ${share}/man/man*/*)
     if(pages)
         compress(${pages})

@@ -36,6 +36,9 @@ install(FILES ${PROJECT_BINARY_DIR}/adexp.pc
 install(DIRECTORY bindings/python/adexp
     DESTINATION lib/python${Python3_VERSION_MAJOR}.${Python3_VERSION_MINOR}/site-packages
     COMPONENT python PATTERN "__pycache__" EXCLUDE)
+install(FILES bindings/python/README.md
+    DESTINATION ${CMAKE_INSTALL_DOCDIR}/bindings/python COMPONENT python)
+install(FILES examples/table.py DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples COMPONENT python)
 
 # The command
 install(TARGETS adexp_command DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
@@ -52,9 +55,11 @@ install(DIRECTORY rules/ DESTINATION ${data_dir}/rules COMPONENT tools FILES_MAT
 install(DIRECTORY schemas/ DESTINATION ${data_dir}/schemas COMPONENT tools)
 
 # Documents, laid out as in the sources, for the links between them
-install(FILES README.md CHANGELOG.md LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT tools)
+install(FILES README.md CHANGELOG.md CONTRIBUTING.md LICENSE SECURITY.md
+    DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT tools)
 install(DIRECTORY docs samples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT tools)
-install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development)
+install(FILES examples/convert.c examples/reports.cpp
+    DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples COMPONENT development)
 
 # Manual pages and completions
 add_subdirectory(manual)

@@ -41,7 +41,7 @@ set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
     "${library_package} (= ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})")
 set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION
 "converter of air-traffic messages from ADEXP to XML - development files
-Header, manual page and an example of libadexp, and what CMake and
+Header, manual page and examples of libadexp, and what CMake and
 pkg-config need to find it.")
 
 set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-adexp)
@@ -54,7 +54,8 @@ set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA
 set(CPACK_COMPONENT_PYTHON_DESCRIPTION
 "converter of air-traffic messages from ADEXP to XML - Python module
 The module adexp converts messages of air-traffic services in ADEXP, the
-format of keywords and fields, into XML documents, by libadexp.")
+format of keywords and fields, into XML documents, by libadexp. With it
+comes an example.")
 
 set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME adexp-tools)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION utils)

@@ -1,6 +1,9 @@
 // Converts the message on standard input, and takes the library's reports by a message handler of
 // its own: ./reports < plan.adexp > plan.xml
 //
+// To build it, with an installed library and Qt 6 (with Qt 5: Qt5Core):
+//   c++ -std=c++17 -fPIC reports.cpp -o reports $(pkg-config --cflags --libs adexp Qt6Core)
+//
 // Without a handler Qt writes the reports to standard error.
 
 #include <adexp.h>

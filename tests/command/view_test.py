@@ -81,6 +81,12 @@ class Message(ViewTest):
         self.assertEqual(["3 fields", "nothing reported"], counts(GOOD, 0))
         self.assertEqual(["1 error", "2 warnings"], counts(NO_TITLE, 2))
 
+    def test_only_a_message_that_was_read_is_fine_without_findings(self):
+        for message, status, classes, text in ((GOOD, 0, ["none", "fine"], "Nothing was reported."),
+                                               (NO_RULE, 2, ["none"], "Nothing else was reported.")):
+            (none,) = self.page(message, status).root.all(of="none")
+            self.assertEqual((classes, text), (none.classes(), none.text()))
+
     def test_finding_that_is_reported_again_is_counted(self):
         message = "-TITLE PLAN -BEGIN A -BEGIN B - -X\n"
         page = self.page(message)

@@ -82,6 +82,8 @@ class Installed(unittest.TestCase):
                      "share/bash-completion/completions/adexp", "share/zsh/site-functions/_adexp",
                      "share/doc/adexp/LICENSE", "share/doc/adexp/README.md",
                      "share/doc/adexp/docs/guide.md", "share/doc/adexp/examples/convert.c",
+                     "share/doc/adexp/examples/reports.cpp", "share/doc/adexp/examples/table.py",
+                     "share/doc/adexp/bindings/python/README.md", "share/doc/adexp/SECURITY.md",
                      "share/doc/adexp/samples/ifpl-dublin-madrid.adexp"):
             with self.subTest(name):
                 self.assertTrue((self.prefix / name).is_file())

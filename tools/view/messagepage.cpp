@@ -142,8 +142,10 @@ std::string MessagePage::text() const
 
 std::string MessagePage::findingList() const
 {
+    if (m_findings.empty() && !m_facts.failure.empty())
+        return "<p class=\"none\">Nothing else was reported.</p>";
     if (m_findings.empty())
-        return "<p class=\"none\">Nothing was reported.</p>";
+        return "<p class=\"none fine\">Nothing was reported.</p>";
     std::string html = "<ol id=\"list\">\n";
     for (size_t i = 0; i < m_findings.size(); ++i)
         appendFinding(i, &html);
