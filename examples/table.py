@@ -28,7 +28,7 @@ def row(converter: adexp.Converter, message: bytes, fields: list) -> list:
 def main() -> None:
     folder, *fields = sys.argv[1:]
     fields = fields or DEFAULT_FIELDS
-    table = csv.writer(sys.stdout)
+    table = csv.writer(sys.stdout, lineterminator="\n")
     table.writerow(["file", "title", *fields, "reports"])
     with adexp.Converter() as converter:
         for path in sorted(Path(folder).glob("*.adexp")):

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-/// The number of characters to insert, delete, replace or exchange with their neighbour to make @p b
-/// of @p a.
+/// The number of characters to insert, delete, replace or exchange with their neighbour to make @p
+/// b of @p a.
 std::size_t editDistance(const std::string& a, const std::string& b);
 
 /// The first of @p known with the fewest single-character changes to @p name, for "did you mean";
