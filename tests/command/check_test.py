@@ -115,8 +115,14 @@ class Check(CommandTest):
         return self.check_simple("<t>%s</t>" % "".join(
             simple_term(name, " ".join(other for other in names if other != name)) for name in names))
 
-    def xml_nested(self):
-        return self.check_simple("<t>" * 300 + "</t>" * 300)
+    def costly_xml(self):
+        attributes = "".join(" a%d=''" % i for i in range(300))
+        entity = "<!ENTITY e '%s'>" % ("A" * 4000)
+        return [self.check_simple(content) for content in (
+            "<t>" * 300 + "</t>" * 300,
+            "<t%s/>" % attributes,
+            "<!DOCTYPE t [%s]><t/>" % (entity * 3),
+            "<!DOCTYPE t [%s]><t>%s</t>" % (entity, "&e;" * 2000))]
 
     def not_there(self):
         self.write_rules({})
@@ -159,8 +165,8 @@ class Check(CommandTest):
 
     def test_every_finding_is_shown_or_follows_from_another(self):
         outputs = [self.output_of_case(read_case(path)[1]) for path in CASES]
-        outputs += [self.nested(), self.tangled(), self.xml_nested(), self.not_there(),
-                    self.not_named()]
+        outputs += [self.nested(), self.tangled(), self.not_there(), self.not_named(),
+                    *self.costly_xml()]
         output = "".join(outputs)
         texts = config_texts()
         self.assertTrue(NOT_SHOWN | SHOWN_AS_PLACE | INTERNAL <= texts)
