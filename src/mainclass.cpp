@@ -244,13 +244,14 @@ bool MainClass::readMsgRulesXMLFile(const QString& path)
     QDomDocument document;
     if (!ruleDomDocumentsetContent(path, &document))
         return false;
+    DefinitionNesting nesting(&termsList);
     for (const ConfigInfo& record :
          takeRecords(&document, path, QStringLiteral("title"), QStringLiteral("fields")))
-        readMsgRuleRecord(record);
+        readMsgRuleRecord(record, &nesting);
     return true;
 }
 
-void MainClass::readMsgRuleRecord(const ConfigInfo& record)
+void MainClass::readMsgRuleRecord(const ConfigInfo& record, DefinitionNesting* nesting)
 {
     // A misnamed record is reported at its own place, unlike in the term files; this is meant.
     const auto reportRule = [&record](const QString& text, FindingKind kind = FindingKind::Cause) {
@@ -267,7 +268,7 @@ void MainClass::readMsgRuleRecord(const ConfigInfo& record)
         return;
     }
     auto rule = std::make_unique<MsgRule>(&record, this);
-    if (!rule->check_config(&termsList)) {
+    if (!rule->check_config(&termsList) || !nesting->isMatchedWithinLimit(rule.get())) {
         reportRule(tr("rule \"") + record.ruleText + tr("\" no valid, record ignored"),
                    FindingKind::Consequence);
         return;

@@ -8,6 +8,7 @@
 #include <QString>
 
 class ConfigInfo;
+class DefinitionNesting;
 class QDomDocument;
 class QSettings;
 
@@ -59,7 +60,7 @@ public:
 private:
     void readTermRecord(const ConfigInfo& record, const QString& recordTag, bool containsField,
                         ConfigInfo* last);
-    void readMsgRuleRecord(const ConfigInfo& record);
+    void readMsgRuleRecord(const ConfigInfo& record, DefinitionNesting* nesting);
 };
 
 #endif
