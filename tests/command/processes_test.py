@@ -113,6 +113,20 @@ class Order(ProcessesTest):
         self.assertEqual(self.convert("in/0/a").stdout, self.read("out/99/a.xml"))
         self.assertEqual(100, len(self.files("out")))
 
+    def test_documents_on_standard_output_do_not_wait_for_the_names_that_follow(self):
+        for name in "ab":
+            self.write(name, GOOD)
+        document = self.convert("a").stdout
+        with open(self.path("out"), "wb") as out:
+            process = self.start("-j", "2", "--files-from", "-", stdin=subprocess.PIPE, stdout=out)
+        process.stdin.write(b"a\n")
+        process.stdin.flush()
+        self.wait_for(lambda: self.read("out") == document)
+        process.stdin.write(b"b\n")
+        process.stdin.close()
+        self.assertEqual(0, process.wait(TIMEOUT))
+        self.assertEqual(2 * document, self.read("out"))
+
     def test_number_out_of_range_is_a_wrong_argument(self):
         for number in ("-1", "257", "x"):
             self.assert_ends(self.convert("-j", number), 64, "--jobs")
