@@ -244,14 +244,13 @@ bool MainClass::readMsgRulesXMLFile(const QString& path)
     QDomDocument document;
     if (!ruleDomDocumentsetContent(path, &document))
         return false;
-    DefinitionNesting nesting(&termsList);
     for (const ConfigInfo& record :
          takeRecords(&document, path, QStringLiteral("title"), QStringLiteral("fields")))
-        readMsgRuleRecord(record, &nesting);
+        readMsgRuleRecord(record);
     return true;
 }
 
-void MainClass::readMsgRuleRecord(const ConfigInfo& record, DefinitionNesting* nesting)
+void MainClass::readMsgRuleRecord(const ConfigInfo& record)
 {
     // A misnamed record is reported at its own place, unlike in the term files; this is meant.
     const auto reportRule = [&record](const QString& text, FindingKind kind = FindingKind::Cause) {
@@ -268,7 +267,7 @@ void MainClass::readMsgRuleRecord(const ConfigInfo& record, DefinitionNesting* n
         return;
     }
     auto rule = std::make_unique<MsgRule>(&record, this);
-    if (!rule->check_config(&termsList) || !nesting->isMatchedWithinLimit(rule.get())) {
+    if (!rule->check_config(&termsList)) {
         reportRule(tr("rule \"") + record.ruleText + tr("\" no valid, record ignored"),
                    FindingKind::Consequence);
         return;

@@ -8,7 +8,6 @@
 #include <QString>
 
 class ConfigInfo;
-class DefinitionNesting;
 class QDomDocument;
 class QSettings;
 
@@ -60,7 +59,7 @@ public:
 private:
     void readTermRecord(const ConfigInfo& record, const QString& recordTag, bool containsField,
                         ConfigInfo* last);
-    void readMsgRuleRecord(const ConfigInfo& record, DefinitionNesting* nesting);
+    void readMsgRuleRecord(const ConfigInfo& record);
 };
 
 #endif

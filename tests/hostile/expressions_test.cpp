@@ -3,16 +3,13 @@
 #include "hostile/steps.h"
 
 #include "support/diagnosticcapture.h"
-#include "support/expressionwriter.h"
 #include "support/termset.h"
 
-#include "definitionnesting.h"
 #include "mainclass.h"
 #include "termexpression.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <string>
 
 namespace {
@@ -118,8 +115,7 @@ public:
     {
         ConfigInfo record;
         fillRecord(&record, name, text);
-        if (TermStd* const term = TermExpression::append_expression(&record, true))
-            m_converter.termsList.append(term);
+        m_converter.termsList.append(TermExpression::append_expression(&record, true));
         m_bytes += name.size() + text.size();
     }
     std::int64_t check()
@@ -128,13 +124,6 @@ public:
         return m_bytes;
     }
     qsizetype size() const { return m_converter.termsList.size(); }
-    TermStd* term(const QString& name) const { return m_converter.termsList.search(name); }
-
-    /// The steps that the matching of @p name, which stays in the set, is foretold to take.
-    double foretoldSteps(const QString& name) const
-    {
-        return DefinitionNesting(&m_converter.termsList).extentOf(term(name)).matching.cost.steps();
-    }
 
 private:
     MainClass m_converter{nullptr};
@@ -207,155 +196,6 @@ TEST(HostileDefinitions, DoublingsAreCheckedInStepsInProportionToTheirNumber)
             return set.check();
         },
         1000, 52.2);
-}
-
-// Repeats in parts that fail, or are left out, after they have read far: each level would multiply
-// the steps by the length of the text.
-
-struct NestedRepeat
-{
-    const char* name;
-    const char* level; // %1 is the next level, the last one an 'A'
-    const char* text;  // one of many
-    int kept;          // levels within the limit
-};
-
-constexpr NestedRepeat NestedRepeats[] = {
-    {"a_longer_alternative_that_fails", "({%1} ! 'B') | 'A'", "A", 2},
-    {"an_optional_part_that_fails", "[{%1} ! 'B'] ! 'A'", "A", 2},
-    {"an_optional_part_without_its_separator", "[{%1}] ALPHA", "A", 2},
-    {"too_few", "(1000{%1}) | 'A'", "A", 2},
-    {"separators", "({%1 ! SEP} ! 'B') | 'A'", "A  ", 2},
-    {"small_counts", "({%1}5 ! 'B') | 'A'", "A", 4},
-};
-
-class HostileNestedRepeats : public testing::TestWithParam<NestedRepeat>
-{
-};
-
-// How many times the steps counted may be those foretold: a look at a term is more than one branch.
-#if defined(__SANITIZE_ADDRESS__)
-constexpr double StepsPerLook = 80;
-#else
-constexpr double StepsPerLook = 20;
-#endif
-
-std::int64_t checkLevels(const NestedRepeat& shape, int levels, DefinitionSet* set)
-{
-    const DiagnosticCapture capture;
-    for (int i = 0; i < levels; ++i) {
-        const QString next = i + 1 == levels ? QStringLiteral("'A'") : numbered(i + 1);
-        set->define(numbered(i), QString::fromLatin1(shape.level).arg(next));
-    }
-    const std::int64_t bytes = set->check();
-    EXPECT_EQ(set->size(), std::min(levels, shape.kept));
-    return bytes;
-}
-
-TEST_P(HostileNestedRepeats, AreRefusedBeforeTheyTakeLong)
-{
-    const NestedRepeat& shape = GetParam();
-    for (const int levels : {1, 2, 4, 8, 32, 60}) {
-        DefinitionSet set;
-        checkLevels(shape, levels, &set);
-        const int kept = std::min(levels, shape.kept);
-        TermStd* const term = set.term(numbered(levels - kept));
-        ASSERT_NE(term, nullptr);
-        const QString text = QString::fromLatin1(shape.text).repeated(70);
-        const std::int64_t steps = stepsOf([&] { EXPECT_GT(term->parse(text.constData()), 0); });
-        EXPECT_LE(static_cast<double>(steps),
-                  StepsPerLook * set.foretoldSteps(numbered(levels - kept)));
-    }
-}
-
-TEST_P(HostileNestedRepeats, AreCheckedInStepsInProportionToTheirNumber)
-{
-    const NestedRepeat& shape = GetParam();
-    expectLinear(
-        [&shape](int count) {
-            DefinitionSet set;
-            return checkLevels(shape, count, &set);
-        },
-        12, 200);
-}
-
-INSTANTIATE_TEST_SUITE_P(, HostileNestedRepeats, testing::ValuesIn(NestedRepeats),
-                         [](const auto& shape) { return std::string(shape.param.name); });
-
-// Repeats and choices that waste nothing may nest as they like.
-TEST(HostileMatching, NestedRepeatsThatWasteNothingTakeStepsInProportionToTheText)
-{
-    for (const char* level : {"{%1}", "1{%1}", "{%1 ! [SEP]}", "{%1 | ('B' ! {'C'})}", "'B' | {%1}",
-                              "{(%1 ! [%1]) | 'B'}3"}) {
-        SCOPED_TRACE(level);
-        const int levels = QString::fromLatin1(level).count(QStringLiteral("%1")) > 1 ? 8 : 32;
-        DefinitionSet set;
-        checkLevels({"", level, "", levels}, levels, &set);
-        TermStd* const term = set.term(numbered(0));
-        ASSERT_NE(term, nullptr);
-        const auto steps = [term](int count) {
-            const QString text(count, u'A');
-            return stepsOf([&] { EXPECT_GT(term->parse(text.constData()), 0); });
-        };
-        EXPECT_LE(steps(10'000), 11 * steps(1000));
-    }
-}
-
-QString randomText(Chance* chance)
-{
-    static const QStringList pieces{QStringLiteral("A"),    QStringLiteral("1"),
-                                    QStringLiteral(" "),    QStringLiteral("A1 "),
-                                    QStringLiteral("AAAA"), QStringLiteral("AB")};
-    const QString often = chance->pick(pieces);
-    QString text;
-    while (text.size() < MatchingCost::TextLength)
-        text += chance->oneIn(50) ? chance->pick(pieces) : often;
-    return text.left(MatchingCost::TextLength);
-}
-
-// All read the whole text.
-TEST(HostileMatching, EachAlternativeIsForetold)
-{
-    const QString text(MatchingCost::TextLength, u'A');
-    DefinitionSet set;
-    set.define(numbered(0), QStringLiteral("{'A'} | ").repeated(100) + QStringLiteral("{'A'}"));
-    set.check();
-    TermStd* const term = set.term(numbered(0));
-    const std::int64_t steps =
-        stepsOf([&] { EXPECT_EQ(term->parse(text.constData()), text.size()); });
-    EXPECT_LE(static_cast<double>(steps), StepsPerLook * set.foretoldSteps(numbered(0)));
-    EXPECT_GE(set.foretoldSteps(numbered(0)), 101.0 * MatchingCost::TextLength);
-}
-
-TEST(HostileMatching, NoExpressionTakesMoreStepsThanForetold)
-{
-    Chance chance(20250114);
-    ExpressionWriter writer(&chance);
-    int compared = 0;
-    int growing = 0; // faster than the text
-    for (int round = 0; round < 4000; ++round) {
-        const DiagnosticCapture capture;
-        DefinitionSet set;
-        set.define(QStringLiteral("Z"), writer.expression(1));
-        set.define(QStringLiteral("Y"), writer.expression(1));
-        set.define(QStringLiteral("X"), writer.expression(2));
-        set.define(QStringLiteral("R"), writer.expression(4));
-        set.check();
-        TermStd* const term = set.term(QStringLiteral("R"));
-        if (!term || !term->valid)
-            continue;
-        const double foretold = set.foretoldSteps(QStringLiteral("R"));
-        growing += foretold > 1e6 ? 1 : 0;
-        for (int i = 0; i < 4; ++i) {
-            const QString text = randomText(&chance);
-            const std::int64_t steps = stepsOf([&] { term->parse(text.constData()); });
-            ASSERT_LE(static_cast<double>(steps), StepsPerLook * foretold)
-                << term->config.ruleText.toStdString() << " over " << text.toStdString();
-            ++compared;
-        }
-    }
-    EXPECT_GT(compared, 4000);
-    EXPECT_GT(growing, 100);
 }
 
 } // namespace

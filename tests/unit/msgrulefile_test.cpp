@@ -248,24 +248,4 @@ TEST_F(MsgRuleFile, MalformedFileIsReportedOnce)
     EXPECT_EQ(linesOf(diagnostics), Lines{setContentReport(RuleFolder::parseErrorText(content))});
 }
 
-// A message may name what stands in brackets by its text; then the data is matched with it.
-TEST_F(MsgRuleFile, RuleWithRepeatsThatMultiplyTheStepsIsIgnored)
-{
-    QByteArray hostile = "ARCID";
-    for (int i = 0; i < 4; ++i)
-        hostile = "(({" + hostile + "}!'B')|ADEP)";
-    EXPECT_TRUE(load("<rules><msgRule title='ACK'><fields>ADEP " + hostile +
-                     "</fields></msgRule>"
-                     "<msgRule title='REJ'><fields>ADEP {[ARCID]}</fields></msgRule></rules>"));
-    EXPECT_EQ(titles(), Lines{"REJ"});
-    const QString rule = QStringLiteral("ADEP ") + QString::fromLatin1(hostile);
-    EXPECT_EQ(linesOf(diagnostics),
-              (Lines{termReport(head(0, "ACK"), rule,
-                                QStringLiteral("matching 1000 characters may take more than "
-                                               "1000000000 steps")),
-                     readMsgRulesReport(
-                         head(0, "ACK") +
-                         QStringLiteral("rule \"%1\" no valid, record ignored").arg(rule))}));
-}
-
 } // namespace
