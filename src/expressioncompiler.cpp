@@ -12,6 +12,9 @@
 
 namespace {
 
+// The text of a separator that the compiler has put between two terms.
+constexpr const char* InsertedSeparator = "AUTOSEP";
+
 // True for the characters that no word of an expression holds. Texts of records may hold any white
 // space, before it is simplified to blanks.
 bool endsWord(QChar c)
@@ -352,7 +355,14 @@ void ExpressionCompiler::append_operator(const QString& nextTermText)
     if (nextTermText.isEmpty() || nextTermText == QLatin1String("SEP") ||
         m_terms.last()->isSeparator())
         return;
-    m_terms.append(TermExpression::insertedSeparator());
+    // One of its own each time: a list tells its items by the first required term, and a message
+    // can name a separator by its text.
+    static const ConfigInfo record = [] {
+        ConfigInfo nowhere; // it stands nowhere in the rule files
+        nowhere.ruleText = QLatin1String(InsertedSeparator);
+        return nowhere;
+    }();
+    appendTerm(std::make_unique<TermStd>(TermTypeSep, &record));
     m_operators.append(u'!');
 }
 
@@ -393,7 +403,7 @@ void ExpressionCompiler::errorAt(const QChar* place, const QString& text) const
 const QChar* ExpressionCompiler::beginOfTerm(int index) const
 {
     const TermStd* term = m_terms.at(index);
-    if (term == TermExpression::insertedSeparator())
+    if (term->isSeparator() && term->ExprRuleStr == QLatin1String(InsertedSeparator))
         term = m_terms.at(index + 1);
     const QChar* const text = m_text.constData();
     const QChar* const begin = text + (term->config.textBegin - m_expression->config.textBegin);

@@ -25,20 +25,7 @@ TermExpression::TermExpression(const ConfigInfo* record, int nesting)
 
 TermExpression::~TermExpression()
 {
-    for (const TermStd* term : std::as_const(ExprList)) {
-        if (term != insertedSeparator())
-            delete term;
-    }
-}
-
-TermStd* TermExpression::insertedSeparator()
-{
-    static TermStd separator = [] {
-        ConfigInfo nowhere; // it stands nowhere in the rule files
-        nowhere.ruleText = QStringLiteral("AUTOSEP");
-        return TermStd(TermTypeSep, &nowhere);
-    }();
-    return &separator;
+    qDeleteAll(ExprList);
 }
 
 QString TermExpression::nestedTooDeepText()

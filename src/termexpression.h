@@ -46,10 +46,6 @@ public:
     /// overwrite those of the single term.
     static TermStd* append_expression(const ConfigInfo* record, bool forceUnwrap, int nesting = 0);
 
-    /// The separator that stands where white space may. It is the same one in all expressions, as
-    /// half of the terms of a message rule are such separators, and it is owned by none of them.
-    static TermStd* insertedSeparator();
-
     int type() const override;
 
     /// The longest alternative, or the sum over a sequence, in UTF-16 units.
@@ -88,7 +84,7 @@ public:
     void erase_first_term();
 
     QString OperatorsList;    ///< the operators: character i stands between terms i and i + 1
-    QList<TermStd*> ExprList; ///< the terms, owned but for insertedSeparator()
+    QList<TermStd*> ExprList; ///< the terms, owned
     QChar currentOperator;    ///< the first operator, null if there is none
 
 private:

@@ -66,6 +66,24 @@ protected:
     std::unique_ptr<AdexpDoc> doc;
 };
 
+// A message can name a separator by its text. That of SUBA is not the one before B: no new item.
+TEST_F(OutputDocument, EachSeparatorIsAnotherTerm)
+{
+    Grammar lists;
+    for (const char* name : {"B", "C", "D"})
+        lists.field(QLatin1String(name), QStringLiteral("DIGIT"));
+    lists.field(QStringLiteral("SUBA"), QStringLiteral("[C] D"));
+    lists.field(QStringLiteral("L"), QStringLiteral("SUBA B"));
+    lists.rule(QStringLiteral("T"), QStringLiteral("L"));
+    AdexpDoc message(QStringLiteral("-TITLE T -BEGIN L -B 1 -AUTOSEP -END L"));
+    message.setRootField(lists.rules());
+    message.parse();
+    const std::string document(message.toXMLString().view());
+    const std::size_t first = document.find("<item ");
+    ASSERT_NE(first, std::string::npos);
+    EXPECT_EQ(document.find("<item ", first + 1), std::string::npos) << document;
+}
+
 TEST_F(OutputDocument, HoldsHeaderFieldsAndMessage)
 {
     EXPECT_EQ(convert(QStringLiteral("-TITLE IFPL\r\n-ARCID ABC\n"
