@@ -2,6 +2,7 @@
 
 #include "adexpdoc.h"
 #include "diagnosticline.h"
+#include "matchingsteps.h"
 #include "termstd.h"
 #include "xmlwriter.h"
 
@@ -247,7 +248,14 @@ void AdexpField::parseBasicField()
     if (fieldEnd == -1)
         fieldEnd = endTextPoint;
 
+    const MatchingSteps steps(fieldData.size());
     const int matched = fieldTerm->parse(doc->nullTerminated(fieldData));
+    if (steps.areExhausted()) {
+        doc->addError(fieldName.toString() + u' ' +
+                          QObject::tr("field takes too many steps to be matched"),
+                      fieldData);
+        return;
+    }
     if (matched >= fieldData.size())
         return;
     // Neither finding makes the field an unknown one: it keeps its definition. This is meant.

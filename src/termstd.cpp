@@ -2,6 +2,7 @@
 
 #include "charclass.h"
 #include "diagnosticline.h"
+#include "matchingsteps.h"
 
 #include <QObject>
 
@@ -133,11 +134,12 @@ int TermStd::parseRepeated(const QChar* indata)
     // Most of a message is runs of one class: they are counted without a call for each character.
     if (const unsigned bits = oneCharacterBits(stdType)) {
         const int length = runLength(indata, bits, maxRepeat);
+        MatchingSteps::take(length);
         return minRepeat > length ? 0 : length;
     }
     int count = 0;
     int pos = 0;
-    while (count < maxRepeat) {
+    while (count < maxRepeat && MatchingSteps::take(1)) {
         const int matched = real_parse(indata + pos);
         if (matched == 0)
             break;
@@ -268,7 +270,9 @@ int TermStd::parse_sep(const QChar* data) const
     const QChar* end = data;
     while (isAny(*end, CharClass::Space))
         ++end;
-    return static_cast<int>(end - data);
+    const auto length = static_cast<int>(end - data);
+    MatchingSteps::take(length);
+    return length;
 }
 
 int TermStd::parse_nil(const QChar*) const

@@ -6,10 +6,12 @@
 #include "support/termset.h"
 
 #include "mainclass.h"
+#include "matchingsteps.h"
 #include "termexpression.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 
 namespace {
@@ -115,7 +117,8 @@ public:
     {
         ConfigInfo record;
         fillRecord(&record, name, text);
-        m_converter.termsList.append(TermExpression::append_expression(&record, true));
+        if (TermStd* const term = TermExpression::append_expression(&record, true))
+            m_converter.termsList.append(term);
         m_bytes += name.size() + text.size();
     }
     std::int64_t check()
@@ -124,6 +127,7 @@ public:
         return m_bytes;
     }
     qsizetype size() const { return m_converter.termsList.size(); }
+    TermStd* term(const QString& name) const { return m_converter.termsList.search(name); }
 
 private:
     MainClass m_converter{nullptr};
@@ -196,6 +200,89 @@ TEST(HostileDefinitions, DoublingsAreCheckedInStepsInProportionToTheirNumber)
             return set.check();
         },
         1000, 52.2);
+}
+
+// Repeats in parts that fail, or are left out, after they have read far: each level multiplies the
+// steps by the length of the text.
+
+struct NestedRepeat
+{
+    const char* name;
+    const char* level; // %1 is the next level, the last one an 'A'
+    const char* text;  // one of many
+};
+
+constexpr NestedRepeat NestedRepeats[] = {
+    {"a_longer_alternative_that_fails", "({%1} ! 'B') | 'A'", "A"},
+    {"an_optional_part_that_fails", "[{%1} ! 'B'] ! 'A'", "A"},
+    {"an_optional_part_without_its_separator", "[{%1}] ALPHA", "A"},
+    {"too_few", "(1000{%1}) | 'A'", "A"},
+    {"separators", "({%1 ! SEP} ! 'B') | 'A'", "A  "},
+    {"small_counts", "({%1}5 ! 'B') | 'A'", "A"},
+};
+
+class HostileNestedRepeats : public testing::TestWithParam<NestedRepeat>
+{
+};
+
+// The first of so many levels.
+TermStd* defineLevels(const char* level, int levels, DefinitionSet* set)
+{
+    for (int i = 0; i < levels; ++i) {
+        const QString next = i + 1 == levels ? QStringLiteral("'A'") : numbered(i + 1);
+        set->define(numbered(i), QString::fromLatin1(level).arg(next));
+    }
+    set->check();
+    return set->term(numbered(0));
+}
+
+TEST_P(HostileNestedRepeats, TakeNoMoreThanTheStepsThatThereAre)
+{
+    const NestedRepeat& shape = GetParam();
+    const QString text = QString::fromLatin1(shape.text).repeated(300);
+    const auto allowed =
+        static_cast<double>(MatchingSteps::AtLeast + MatchingSteps::PerUnit * text.size());
+    for (const int levels : {1, 2, 4, 8, 30}) {
+        DefinitionSet set;
+        TermStd* const term = defineLevels(shape.level, levels, &set);
+        ASSERT_NE(term, nullptr);
+        bool areExhausted = false;
+        const std::int64_t taken = stepsOf([&] {
+            const MatchingSteps steps(text.size());
+            term->parse(text.constData());
+            areExhausted = steps.areExhausted();
+        });
+        // A repetition is a look at some terms, and a look some branches.
+        EXPECT_LE(static_cast<double>(taken), 60 * allowed) << levels << " levels";
+        if (levels != 4) {
+            EXPECT_EQ(areExhausted, levels > 4) << levels << " levels";
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(, HostileNestedRepeats, testing::ValuesIn(NestedRepeats),
+                         [](const auto& shape) { return std::string(shape.param.name); });
+
+// Repeats and choices that waste nothing may nest as they like.
+TEST(HostileMatching, NestedRepeatsThatWasteNothingTakeStepsInProportionToTheText)
+{
+    for (const char* level : {"{%1}", "1{%1}", "{%1 ! [SEP]}", "{%1 | ('B' ! {'C'})}", "'B' | {%1}",
+                              "{(%1 ! [%1]) | 'B'}3"}) {
+        SCOPED_TRACE(level);
+        const int levels = QString::fromLatin1(level).count(QStringLiteral("%1")) > 1 ? 8 : 32;
+        DefinitionSet set;
+        TermStd* const term = defineLevels(level, levels, &set);
+        ASSERT_NE(term, nullptr);
+        const auto takenFor = [term](int count) {
+            const QString text(count, u'A');
+            return stepsOf([&] {
+                const MatchingSteps steps(text.size());
+                EXPECT_GT(term->parse(text.constData()), 0);
+                EXPECT_FALSE(steps.areExhausted());
+            });
+        };
+        EXPECT_LE(takenFor(10'000), 11 * takenFor(1000));
+    }
 }
 
 } // namespace

@@ -23,7 +23,12 @@ protected:
         grammar.field(QStringLiteral("RMK"), QStringLiteral("{LIM_CHAR}"));
         grammar.field(QStringLiteral("SHORT"), QStringLiteral("{CHARACTER}9"));
         grammar.field(QStringLiteral("NOTES"), QStringLiteral("{NOTE}"));
-        grammar.rule(QStringLiteral("T"), QStringLiteral("ARCID [RMK] [SHORT] [NOTE] [NOTES]"));
+        QString deep = QStringLiteral("'A'");
+        for (int level = 0; level < 4; ++level)
+            deep = QStringLiteral("({%1} ! 'B') | 'A'").arg(level == 0 ? deep : u'(' + deep + u')');
+        grammar.field(QStringLiteral("DEEP"), deep);
+        grammar.rule(QStringLiteral("T"),
+                     QStringLiteral("ARCID [RMK] [SHORT] [DEEP] [NOTE] [NOTES]"));
     }
 
     // The fields below the root of the message, whose text is put behind "-TITLE T ".
@@ -78,6 +83,21 @@ TEST_F(BasicField, IncorrectDataIsReportedAndKept)
     EXPECT_EQ(reports(), (Lines{"\"ARCID field contains incorrect data\" \"*A B\" "}));
     EXPECT_FALSE(doc->isValid);
     EXPECT_NE(doc->rootField->subFields.front()->fieldTerm, nullptr);
+}
+
+TEST_F(BasicField, DataThatTakesTooManyStepsIsReportedAndKept)
+{
+    const std::string few(20, 'A');
+    const std::string many(200, 'A');
+    EXPECT_EQ(tree(QStringLiteral("-DEEP ") + QString::fromStdString(many)),
+              (Lines{"DEEP 9..215: " + many}));
+    EXPECT_EQ(reports(),
+              (Lines{"\"DEEP field takes too many steps to be matched\" \"" + many + "\" "}));
+    EXPECT_FALSE(doc->isValid);
+    tree(QStringLiteral("-DEEP ") + QString::fromStdString(few));
+    EXPECT_EQ(reports().back(),
+              "\"DEEP field contains the extra data is not described in Rule\" \"" + few.substr(1) +
+                  "\" ");
 }
 
 TEST_F(BasicField, DataEndsBeforeTheNextFieldWord)

@@ -4,6 +4,7 @@
 #include "definitions.h"
 #include "diagnosticcollector.h"
 #include "mainclass.h"
+#include "matchingsteps.h"
 #include "msgrule.h"
 #include "rulefile.h"
 
@@ -16,7 +17,10 @@ namespace {
 // "is matched only up to "ABC"", empty if all is matched.
 QString unmatched(TermStd* term, const QString& data)
 {
+    const MatchingSteps steps(data.size());
     const int matched = term->parse(data.constData());
+    if (steps.areExhausted())
+        return QStringLiteral("takes too many steps to be matched");
     if (matched == data.size())
         return {};
     return matched == 0 ? QStringLiteral("is not matched")

@@ -9,6 +9,7 @@
 #include "findingjson.h"
 #include "findingobserver.h"
 #include "mainclass.h"
+#include "matchingsteps.h"
 #include "matchtrace.h"
 #include "termexpression.h"
 
@@ -95,7 +96,13 @@ QJsonObject jsonResult(const MatchTrace& trace, const QString& text)
 
 ExitCode show(TermStd* term, const QString& text, bool isJson)
 {
+    const MatchingSteps steps(text.size());
     const MatchTrace trace(term, text);
+    if (steps.areExhausted()) {
+        printError(text.toStdString(), "takes too many steps to be matched; put fewer repeats into "
+                                       "each other in the definition");
+        return ExitCode::NotDone;
+    }
     StandardOutput out;
     out.write(isJson ? jsonLine(jsonResult(trace, text)) : textResult(trace, text));
     if (!out.flush())

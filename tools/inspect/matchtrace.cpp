@@ -1,5 +1,6 @@
 #include "matchtrace.h"
 
+#include "matchingsteps.h"
 #include "termexpression.h"
 #include "termfacts.h"
 #include "termtext.h"
@@ -71,7 +72,7 @@ int MatchTrace::match(TermStd* term, int pos)
         return matchOnce(term, pos);
     int count = 0;
     int length = 0;
-    while (count < term->maxRepeat) {
+    while (count < term->maxRepeat && MatchingSteps::take(1)) {
         const int once = matchOnce(term, pos + length);
         if (once == 0)
             break;

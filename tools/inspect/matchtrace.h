@@ -14,7 +14,8 @@ class TermStd;
 class MatchTrace
 {
 public:
-    /// Matches @p text with @p term (checked, not kept).
+    /// Matches @p text with @p term (checked, not kept); takes the same MatchingSteps, a character
+    /// of a run counting as a repetition.
     MatchTrace(TermStd* term, const QString& text);
 
     /// UTF-16 units matched from the beginning; 0 is no match.
