@@ -7,6 +7,8 @@
 
 #include <QSettings>
 
+#include <cxxabi.h>
+
 #include <climits>
 #include <cstring>
 #include <new>
@@ -69,11 +71,15 @@ const char* giveToCaller(XmlDocument document, unsigned int* outLength)
 } // namespace
 
 // No exception leaves these functions: what Qt and the standard library throw is std::bad_alloc.
+// What ends a thread inside a call (a cancellation, pthread_exit() in a message handler) is no
+// exception, although it can be caught: the process ends if it is not passed on.
 
 int init_adexp(const char* iniPath, int length)
 try {
     const bool useDefault = length < 1 || !iniPath;
     return load(useDefault ? QStringLiteral("adexp.ini") : QString::fromUtf8(iniPath, length));
+} catch (const abi::__forced_unwind&) {
+    throw;
 } catch (...) {
     return RulesUnreadable;
 }
@@ -95,6 +101,8 @@ try {
     if (!mc)
         return nullptr; // no memory
     return giveToCaller(mc->charAdexpToCharXml(decode(text, length)), outLength);
+} catch (const abi::__forced_unwind&) {
+    throw;
 } catch (...) {
     return nullptr;
 }

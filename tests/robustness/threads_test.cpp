@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <pthread.h>
+
 #include <string>
 #include <vector>
 
@@ -51,6 +53,33 @@ TEST(Threads, EachCallMayComeFromAnotherThread)
     runWithSmallStack(clear_adexp);
     runWithSmallStack([] { EXPECT_EQ(init(), 0); });
     EXPECT_EQ(convertAll(messages), documents);
+    clear_adexp();
+}
+
+void endThread(QtMsgType, const QMessageLogContext&, const QString&)
+{
+    pthread_exit(nullptr);
+}
+
+// An end that did not pass through the library would be the end of the process.
+TEST(Threads, ThreadMayEndInsideACall)
+{
+    ASSERT_EQ(init(), 0);
+    const std::string faulty = "-TITLE IFPL stray -ARCID EIN21K";
+    const QtMessageHandler before = qInstallMessageHandler(endThread);
+    pthread_t thread;
+    const auto convertFaulty = [](void* message) -> void* {
+        convert(*static_cast<const std::string*>(message));
+        return message; // not reached
+    };
+    void* result = nullptr;
+    ASSERT_EQ(pthread_create(&thread, nullptr, convertFaulty, const_cast<std::string*>(&faulty)),
+              0);
+    ASSERT_EQ(pthread_join(thread, &result), 0);
+    qInstallMessageHandler(before);
+    EXPECT_EQ(result, nullptr);
+    const DiagnosticCapture diagnostics;
+    EXPECT_NE(convert(faulty), "null");
     clear_adexp();
 }
 

@@ -34,10 +34,10 @@ TEST(FindingJson, OfAMessageHasItsStretch)
     Finding finding;
     finding.severity = Severity::Warning;
     finding.text = QStringLiteral("ignore word");
-    finding.detail = QStringLiteral("Q\n\u007f\u009b");
+    finding.detail = QStringLiteral("Q\n\u007f\u009b\u202e");
     finding.begin = 0;
     finding.end = 1;
-    EXPECT_EQ(lineOf(finding), "{\"begin\":0,\"detail\":\"Q\\n\\u007f\\u009b\",\"end\":1,"
+    EXPECT_EQ(lineOf(finding), "{\"begin\":0,\"detail\":\"Q\\n\\u007f\\u009b\\u202e\",\"end\":1,"
                                "\"severity\":\"warning\",\"text\":\"ignore word\"}\n");
 }
 

@@ -39,14 +39,6 @@ void appendControl(std::string* out, char32_t c)
     }
 }
 
-bool isControl(char32_t c)
-{
-    const bool isC0 = c < ' ';
-    const bool isDeleteOrC1 = c >= 0x7f && c < 0xa0;
-    const bool turnsDirection = (c >= 0x202a && c <= 0x202e) || (c >= 0x2066 && c <= 0x2069);
-    return isC0 || isDeleteOrC1 || turnsDirection;
-}
-
 // How many bytes the UTF-8 character has that begins with this byte; 0 if none does.
 std::size_t lengthByFirst(unsigned char byte)
 {
@@ -80,6 +72,14 @@ std::size_t readCharacter(std::string_view text, char32_t* c)
 }
 
 } // namespace
+
+bool isControl(char32_t c)
+{
+    const bool isC0 = c < ' ';
+    const bool isDeleteOrC1 = c >= 0x7f && c < 0xa0;
+    const bool turnsDirection = (c >= 0x202a && c <= 0x202e) || (c >= 0x2066 && c <= 0x2069);
+    return isC0 || isDeleteOrC1 || turnsDirection;
+}
 
 std::string escaped(std::string_view text)
 {

@@ -4,6 +4,10 @@
 #include <string>
 #include <string_view>
 
+/// True for control characters, also beyond ASCII, and for those that turn the direction of
+/// writing.
+bool isControl(char32_t c);
+
 /// @p text with control characters written as \n, \t, \r or \x1B, those beyond ASCII and those that
 /// turn the direction of writing as \u202E, and bytes that are not UTF-8 as \x9B: names and reports
 /// stay on one line and cannot drive the terminal. Everything else stays as it is.

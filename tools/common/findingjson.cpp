@@ -1,5 +1,6 @@
 #include "findingjson.h"
 
+#include "console.h"
 #include "findingobserver.h"
 
 #include <QJsonDocument>
@@ -48,11 +49,12 @@ QJsonObject errorJson(const std::string& file, const std::string& text)
 
 std::string jsonLine(const QJsonObject& object)
 {
-    // QJsonDocument escapes the control characters below the blank only.
+    // QJsonDocument escapes the control characters below the blank only. None beyond the first
+    // 65536 is one.
     const QString json = QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
     QString line;
     for (const QChar c : json) {
-        if (c.category() == QChar::Other_Control)
+        if (isControl(c.unicode()))
             line += QStringLiteral("\\u%1").arg(c.unicode(), 4, 16, QLatin1Char('0'));
         else
             line += c;

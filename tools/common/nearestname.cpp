@@ -4,6 +4,18 @@
 #include <limits>
 #include <numeric>
 
+namespace {
+
+// Longer ones are no names of fields, and comparing them takes long.
+constexpr std::size_t LongestName = 40;
+
+std::size_t difference(std::size_t a, std::size_t b)
+{
+    return a < b ? b - a : a - b;
+}
+
+} // namespace
+
 // The Levenshtein distance with exchanges of neighbours, row by row.
 std::size_t editDistance(const std::string& a, const std::string& b)
 {
@@ -29,7 +41,11 @@ std::string nearestName(const std::string& name, const std::vector<std::string>&
 {
     std::string nearest;
     std::size_t fewest = std::numeric_limits<std::size_t>::max();
+    if (name.size() > LongestName)
+        return nearest;
     for (const std::string& candidate : known) {
+        if (candidate.size() > LongestName || difference(name.size(), candidate.size()) >= fewest)
+            continue;
         const std::size_t changes = editDistance(name, candidate);
         if (changes < fewest) {
             fewest = changes;

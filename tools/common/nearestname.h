@@ -10,7 +10,7 @@
 std::size_t editDistance(const std::string& a, const std::string& b);
 
 /// The first of @p known with the fewest single-character changes to @p name, for "did you mean";
-/// empty if @p known is.
+/// empty if there is none. A name of more than 40 bytes is near to none.
 std::string nearestName(const std::string& name, const std::vector<std::string>& known);
 
 #endif
