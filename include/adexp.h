@@ -5,7 +5,9 @@
  * Order of calls: init_adexp() once, convert_from_adexp() for each message, clear_adexp() at the
  * end. Each result of convert_from_adexp() goes back to free_adexp(). The library keeps one
  * converter per process and has no locks: of init_adexp(), clear_adexp() and convert_from_adexp()
- * never more than one may run at a time in a process.
+ * never more than one may run at a time in a process. A thread may end inside a call (cancelled, or
+ * by pthread_exit() in a message handler); what the call was about is then lost. Nothing may be
+ * called after main() has ended, from static destructors for example: Qt has ended then, too.
  *
  * Whatever is wrong with a rule set or a message is written line by line to the message output of
  * Qt (standard error, unless the application installs a message handler with
