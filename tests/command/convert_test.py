@@ -256,6 +256,19 @@ class OutputFolder(CommandTest):
         self.assert_ends(result, 2, "other/a: not converted: another message of the same file name")
         self.assertEqual("PLAN", title_of(self.read("out/a.xml")))
 
+    def test_link_in_the_place_of_a_document_loses_no_other(self):
+        self.write("x", "-TITLE NOTE -ARCID XYZ\n")
+        self.write("y", GOOD)
+        for target in ("y.xml", "../out/y.xml", self.path("out/y.xml"), "z.xml"):
+            with self.subTest(target=target):
+                os.symlink("y.xml", self.path("out/z.xml"))
+                os.symlink(target, self.path("out/x.xml"))
+                self.assert_ends(self.convert("-o", "out", "y", "x"), 2,
+                                 "x: not converted: another message of the same file name")
+                self.assertEqual("PLAN", title_of(self.read("out/y.xml")))
+                for name in self.files("out"):
+                    os.remove(self.path("out/" + name))
+
     def test_only_what_was_converted_gets_a_document(self):
         self.write("a", NO_RULE)
         self.write("b", GOOD)

@@ -54,6 +54,21 @@ class Folders(CommandTest):
         self.assert_ends(self.convert("-r", "-o", "out", "one", "two"), 2,
                          "two/a: not converted: another message of the same file name was given")
 
+    def test_links_in_the_folder_of_the_documents_lose_none(self):
+        """Also if what they lead to comes to be in the same run."""
+        for is_there in (True, False):
+            with self.subTest(is_there=is_there):
+                shutil.rmtree(self.path("out"))
+                os.makedirs(self.path("out/a" if is_there else "out"))
+                os.symlink("a", self.path("out/b"))
+                self.write("in/a/x", message(1))
+                self.write("in/b/x", message(2))
+                self.write("in/b/y", message(3))
+                self.assert_ends(self.convert("-r", "-o", "out", "in"), 2,
+                                 "in/b/x: not converted: another message of the same file name")
+                self.assertEqual(["x.xml", "y.xml"], self.files("out/a"))
+                self.assertIn("ABC1", self.read("out/a/x.xml"))
+
     def test_documents_of_an_earlier_run_are_no_messages(self):
         self.write("in/a", GOOD)
         os.mkdir(self.path("in/out"))
@@ -177,6 +192,19 @@ class Lines(CommandTest):
                                       "file name was given" % number for number in (1, 2)))
         self.assertEqual([">ABC%d<" % number in self.read("out/archive.%d.xml" % document)
                           for document, number in ((1, 1), (2, 2), (3, 5))], [True] * 3)
+
+    def test_link_between_the_documents_of_an_archive_loses_none(self):
+        for link, target, refused in ((1, 2, 2), (2, 1, 2), (3, 1, 3)):
+            with self.subTest(link=link, target=target):
+                shutil.rmtree(self.path("out"), ignore_errors=True)
+                os.mkdir(self.path("out"))
+                os.symlink("archive.%d.xml" % target, self.path("out/archive.%d.xml" % link))
+                self.write("archive", "".join(message(number) + "\n" for number in range(1, 4)))
+                self.assert_ends(self.convert("--lines", "-o", "out", "archive"), 2,
+                                 "archive:%d: not converted: another message of" % refused)
+                self.assertEqual(3, len(self.files("out")))
+                for number in {1, 2, 3} - {refused}:
+                    self.assertIn("ABC%d" % number, self.read("out/archive.%d.xml" % number))
 
     def test_one_file_for_lines_is_a_wrong_argument(self):
         self.assert_ends(self.convert("--lines", "-o", "out.xml"), 64, "may be several messages")

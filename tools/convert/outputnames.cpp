@@ -16,6 +16,38 @@ std::string numbered(const std::string& stem, std::uint64_t number)
 
 constexpr const char* Suffix = ".xml";
 
+// As many as the system follows at most.
+constexpr int MaxLinks = 40;
+
+// The first part of the path that is a link; empty if none is.
+fs::path linkIn(const fs::path& path)
+{
+    fs::path part;
+    std::error_code error;
+    for (const fs::path& name : path)
+        if (fs::is_symlink(part /= name, error))
+            return part;
+    return {};
+}
+
+// Where the file is, or will be when it is written. Two documents of one run may go through a link
+// to something that the first one makes: a link that leads nowhere yet is followed too.
+fs::path placeOf(const fs::path& path)
+{
+    std::error_code error;
+    fs::path place = fs::absolute(path, error);
+    for (int followed = 0; followed < MaxLinks; ++followed) {
+        const fs::path known = fs::weakly_canonical(place, error);
+        const fs::path link = error ? fs::path() : linkIn(known);
+        if (link.empty())
+            return error ? place : known;
+        place = link.parent_path() / fs::read_symlink(link, error);
+        if (link != known)
+            place /= known.lexically_relative(link);
+    }
+    return place; // writing it will fail
+}
+
 } // namespace
 
 OutputNames::OutputNames(const ConvertOptions& options, const std::deque<Input>& inputs)
@@ -35,10 +67,11 @@ bool OutputNames::isFolderName(const std::string& output)
 
 void OutputNames::assign(const Input& input, Message* message)
 {
-    const std::string stem = (fs::path(m_output) / input.documentName).string();
-    const std::string name = message->number == 0 ? stem : numbered(stem, message->number);
+    const fs::path stem = fs::path(m_output) / input.documentName;
+    const std::string name =
+        message->number == 0 ? stem.string() : numbered(stem.string(), message->number);
     message->document = m_isFolder ? name + Suffix : m_output;
-    if (!take(message->document, stem, message->number))
+    if (m_isFolder && !take(fs::path(message->document), stem.filename(), message->number))
         message->failure =
             "another message of the same file name was given before it; convert it on its own, "
             "with another -o, or give the folder of both with -r";
@@ -47,16 +80,32 @@ void OutputNames::assign(const Input& input, Message* message)
             "its document would replace the input " + message->document + "; choose another -o";
 }
 
-// False if the file is that of another message.
-bool OutputNames::take(const std::string& file, const std::string& stem, std::uint64_t number)
+// Where the documents of this folder are or will be.
+const fs::path& OutputNames::placeOfFolder(const fs::path& folder)
 {
-    if (number == 0)
-        return m_taken.insert(file).second && !isOfStream(file);
-    std::uint64_t& highest = m_streams[stem];
+    if (folder != m_folder) {
+        m_folder = folder;
+        m_placeOfFolder = placeOf(folder);
+    }
+    return m_placeOfFolder;
+}
+
+// False if the file is that of another message.
+bool OutputNames::take(const fs::path& file, const fs::path& stemName, std::uint64_t number)
+{
+    const fs::path& folder = placeOfFolder(file.parent_path());
+    const fs::path place = folder / file.filename();
+    std::error_code error;
+    const bool isLink = fs::is_symlink(place, error);
+    if (number == 0 || isLink) {
+        const std::string taken = isLink ? placeOf(place).string() : place.string();
+        return !isOfStream(taken) && m_taken.insert(taken).second;
+    }
+    std::uint64_t& highest = m_streams[(folder / stemName).string()];
     if (number <= highest)
         return false; // two streams have that name
     highest = number;
-    return m_taken.count(file) == 0;
+    return m_taken.count(place.string()) == 0;
 }
 
 bool OutputNames::isOfStream(const std::string& file) const

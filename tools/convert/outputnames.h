@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <filesystem>
 #include <map>
 #include <set>
 #include <string>
@@ -30,13 +31,18 @@ public:
     void assign(const Input& input, Message* message);
 
 private:
-    bool take(const std::string& file, const std::string& stem, std::uint64_t number);
+    const std::filesystem::path& placeOfFolder(const std::filesystem::path& folder);
+    bool take(const std::filesystem::path& file, const std::filesystem::path& stemName,
+              std::uint64_t number);
     bool isOfStream(const std::string& file) const;
 
     const std::string& m_output;
     bool m_isFolder;
     ReadFiles m_readFiles;
-    std::set<std::string> m_taken;                  // by inputs that are one message
+    std::filesystem::path m_folder; // of the document before, and where it is without links
+    std::filesystem::path m_placeOfFolder;
+    // Places without links: documents of inputs that are one message, and those behind a link
+    std::set<std::string> m_taken;
     std::map<std::string, std::uint64_t> m_streams; // of the others the stem, and how many it has
 };
 
