@@ -131,6 +131,12 @@ class Order(ProcessesTest):
         for number in ("-1", "257", "x"):
             self.assert_ends(self.convert("-j", number), 64, "--jobs")
 
+    def test_small_stack_suffices(self):
+        limit = lambda: resource.setrlimit(resource.RLIMIT_STACK, (256 * 1024, 256 * 1024))
+        result = self.convert("-j", "2", stdin=GOOD, preexec_fn=limit)
+        self.assert_ends(result, 0)
+        self.assertEqual(self.convert(stdin=GOOD).stdout, result.stdout)
+
     def test_process_that_cannot_be_started_is_told(self):
         """There is one descriptor too few for the pipes of all."""
         limit = lambda: resource.setrlimit(resource.RLIMIT_NOFILE, (20, 20))

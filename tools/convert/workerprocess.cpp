@@ -82,7 +82,7 @@ void leaveStandardStreams()
 } // namespace
 
 WorkerProcess::WorkerProcess(const Work& work, int place, const std::vector<WorkerProcess*>& others)
-    : m_place(place)
+    : m_place(place), m_block(EnoughToSend)
 {
     const std::array<int, 2> messages = makePipe();
     const std::array<int, 2> answers = makePipe();
@@ -162,10 +162,9 @@ bool WorkerProcess::read()
 {
     m_read.erase(0, m_taken);
     m_taken = 0;
-    std::array<char, EnoughToSend> block;
-    const ssize_t got = ::read(m_answers, block.data(), block.size());
+    const ssize_t got = ::read(m_answers, m_block.data(), m_block.size());
     if (got > 0)
-        m_read.append(block.data(), static_cast<std::size_t>(got));
+        m_read.append(m_block.data(), static_cast<std::size_t>(got));
     return got > 0 || (got == -1 && errno == EINTR);
 }
 

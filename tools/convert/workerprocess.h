@@ -59,6 +59,7 @@ private:
     pid_t m_pid = 0;
     int m_messages = -1;
     int m_answers = -1;
+    std::vector<char> m_block; // what one call reads; a stack may be smaller
     std::string m_read;
     std::size_t m_taken = 0; // of what was read
 };
