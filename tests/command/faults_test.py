@@ -198,6 +198,16 @@ class Vanishing(FaultsTest):
                          "out/c.xml: cannot be written: No such file")
         self.assertNotIn("out", self.files())
 
+    def test_folder_of_the_documents_that_goes_before_the_first_becomes_no_file(self):
+        """The command has looked at the folder before it waits for the list."""
+        os.mkfifo(self.path("list"))
+        process = self.start("--files-from", "list")
+        with open(self.path("list"), "w", encoding="utf-8") as names: # when it reads the list
+            shutil.rmtree(self.path("out"))
+            names.write("a\n")
+        self.assert_ends(self.end(process), 2, "out/a.xml: cannot be written: No such file")
+        self.assertNotIn("out", self.files())
+
     def test_reader_that_goes_away_ends_the_batch_quietly(self):
         self.write("large", LARGE)
         with subprocess.Popen([self.command, "convert", "--settings", "rules.ini",

@@ -111,12 +111,19 @@ std::string whyNoFile(const ConvertOptions& options)
     return {};
 }
 
+// Is the output a folder, or said to be one by a slash at its end?
+bool isFolderName(const std::string& output)
+{
+    std::error_code error;
+    return output.back() == '/' || std::filesystem::is_directory(output, error);
+}
+
 // What is wrong with -o before anything is converted.
 ExitCode checkOutput(const ConvertOptions& options)
 {
     if (!options.hasOutputFiles())
         return ExitCode::Success;
-    if (!OutputNames::isFolderName(options.output)) {
+    if (!options.isOutputFolder) {
         const std::string reason = whyNoFile(options);
         if (!reason.empty())
             printError(options.output, reason);
@@ -187,8 +194,11 @@ CLI::App* addConvertCommand(CLI::App* app, ConvertOptions* options)
     return command;
 }
 
-ExitCode runConvert(const ConvertOptions& options)
+ExitCode runConvert(const ConvertOptions& given)
 {
+    ConvertOptions options = given;
+    // Asked once: a folder that goes away meanwhile must not become a file.
+    options.isOutputFolder = options.hasOutputFiles() && isFolderName(options.output);
     if (const ExitCode wrong = checkOutput(options); wrong != ExitCode::Success)
         return wrong;
     const RuleSet rules(options.settings, options.isJson);

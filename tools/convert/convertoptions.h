@@ -13,6 +13,7 @@ struct ConvertOptions
     std::vector<std::string> files;         ///< messages; none: standard input
     std::string filesFrom;                  ///< file that names the messages; empty: none
     std::string output;                     ///< file or folder; empty or "-": standard output
+    bool isOutputFolder = false;            ///< the output is a folder for the documents
     int jobs = 1;                           ///< processes that convert; 0: one for each processor
     bool recursive = false;                 ///< a folder stands for the files in it
     bool lines = false;                     ///< each line of the inputs is a message

@@ -51,18 +51,12 @@ fs::path placeOf(const fs::path& path)
 } // namespace
 
 OutputNames::OutputNames(const ConvertOptions& options, const std::deque<Input>& inputs)
-    : m_output(options.output), m_isFolder(isFolderName(m_output)), m_readFiles(options.settings)
+    : m_output(options.output), m_isFolder(options.isOutputFolder), m_readFiles(options.settings)
 {
     if (!options.filesFrom.empty())
         m_readFiles.add(options.filesFrom);
     for (const Input& input : inputs)
         m_readFiles.add(input.argument);
-}
-
-bool OutputNames::isFolderName(const std::string& output)
-{
-    std::error_code error;
-    return output.back() == '/' || fs::is_directory(output, error);
 }
 
 void OutputNames::assign(const Input& input, Message* message)

@@ -19,12 +19,8 @@ class OutputNames
 {
 public:
     /// Names for the documents of @p inputs, which are those of @p options and must outlive the
-    /// object. The output is a file, or a folder if isFolderName().
+    /// object.
     OutputNames(const ConvertOptions& options, const std::deque<Input>& inputs);
-
-    /// True if @p output is a folder or ends with a slash: the documents go into it, each under the
-    /// name of its message.
-    static bool isFolderName(const std::string& output);
 
     /// Puts the file for the document of @p message, which is one of @p input, into it; or a
     /// failure, if there is none. To be called once for each message, in order.
