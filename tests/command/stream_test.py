@@ -6,6 +6,7 @@ import shutil
 import resource
 import subprocess
 import threading
+import time
 
 from commandtest import GOOD, NO_RULE, NO_TITLE, REPORTED, TIMEOUT, CommandTest, main
 
@@ -313,6 +314,22 @@ class Filter(CommandTest):
                     answer = conversation.ask(message(number) + "\0", "\0")
                     self.assertIn(">ABC%d<" % number, answer)
                 self.assertEqual("\0", conversation.ask("\0", "\0"))
+
+    def test_input_that_does_not_wait_is_waited_for(self):
+        for arguments in ([], ["--lines"], ["-j", "2"], ["--files-from", "-"]):
+            with self.subTest(arguments=arguments):
+                reading, writing = os.pipe()
+                os.set_blocking(reading, False)
+                process = subprocess.Popen([self.command, "convert", "--settings", "rules.ini",
+                                            *arguments], cwd=self.folder, stdin=reading,
+                                           stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+                os.close(reading)
+                time.sleep(0.2) # it has found nothing; shorter, the test would see less
+                name = self.write("a", GOOD)
+                os.write(writing, (name + "\n" if "-" in arguments else GOOD).encode())
+                os.close(writing)
+                out, err = process.communicate(timeout=TIMEOUT)
+                self.assertEqual((0, b"", 1), (process.returncode, err, out.count(b"<ADEXP_XML ")))
 
     def test_part_of_a_message_waits_for_the_rest(self):
         conversation = Conversation(self, "-0", "-j", "2")

@@ -15,18 +15,18 @@ Next RecordReader::next(Record* record, Waiting waiting)
     while (!takeSeparated(record)) {
         if (m_isAtEnd)
             return takeRest(record) ? Next::Taken : Next::End;
-        if (waiting == Waiting::Refused && !isAtHand())
+        if (waiting == Waiting::Refused && !isAtHand(waiting))
             return Next::WouldWait;
-        read();
+        read(waiting);
     }
     return Next::Taken;
 }
 
-// Is there something to read, an end or an error included?
-bool RecordReader::isAtHand() const
+// Is there something to read, an end or an error included? Waits for it if that is allowed.
+bool RecordReader::isAtHand(Waiting waiting) const
 {
     pollfd input{m_descriptor, POLLIN, 0};
-    return poll(&input, 1, 0) != 0;
+    return poll(&input, 1, waiting == Waiting::Allowed ? -1 : 0) != 0;
 }
 
 bool RecordReader::takeSeparated(Record* record)
@@ -67,7 +67,7 @@ void RecordReader::take(Record* record, std::size_t end)
     m_isTooLarge = false;
 }
 
-void RecordReader::read()
+void RecordReader::read(Waiting waiting)
 {
     m_buffer.erase(0, m_begin);
     m_searched -= m_begin;
@@ -76,6 +76,10 @@ void RecordReader::read()
     const ssize_t got = ::read(m_descriptor, block.data(), block.size());
     if (got == -1 && errno == EINTR)
         return;
+    if (got == -1 && errno == EAGAIN) { // who gave us the descriptor does not wait on reading
+        isAtHand(waiting);
+        return;
+    }
     if (got == -1)
         m_error = readError(errno);
     m_isAtEnd = got <= 0;

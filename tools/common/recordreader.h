@@ -45,11 +45,11 @@ public:
     std::size_t bytesRead() const { return m_bytesRead; }
 
 private:
-    bool isAtHand() const;
+    bool isAtHand(Waiting waiting) const;
     bool takeSeparated(Record* record);
     bool takeRest(Record* record);
     void take(Record* record, std::size_t end);
-    void read();
+    void read(Waiting waiting);
 
     int m_descriptor;
     int m_separator;
