@@ -395,6 +395,19 @@ class Filter(CommandTest):
             self.assert_ends(result, 2, "large: not converted: memory ran out; convert it where")
             self.assertEqual(1, result.stdout.count("<ADEXP_XML "))
 
+    def test_record_for_which_memory_runs_out_is_told_and_the_others_go_on(self):
+        self.skip_with_sanitizers()
+        limit = lambda: resource.setrlimit(resource.RLIMIT_AS, (400 * 2 ** 20, 400 * 2 ** 20))
+        for size in (300, 200):
+            self.write("archive", "\n".join([message(1), "X" * (size * 10 ** 6), message(3)]))
+            for jobs in ("1", "2"):
+                with self.subTest(size=size, jobs=jobs):
+                    result = self.convert("-j", jobs, "--lines", "archive", preexec_fn=limit)
+                    self.assert_ends(result, 2, "archive:2: not converted: ")
+                    self.assertRegex(result.stdout, "(?s)>ABC1<.*>ABC3<")
+                    if size == 300:
+                        self.assertIn("memory ran out; convert it where there", result.stderr)
+
 
 class Summary(CommandTest):
 

@@ -1,9 +1,13 @@
 #include "recordreader.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
+#include <new>
 #include <poll.h>
+#include <string_view>
 #include <unistd.h>
+#include <utility>
 
 RecordReader::RecordReader(int descriptor, int separator, std::size_t limit)
     : m_descriptor(descriptor), m_separator(separator), m_limit(limit)
@@ -38,13 +42,12 @@ bool RecordReader::takeSeparated(Record* record)
     if (end == std::string::npos)
         return false;
     take(record, end);
-    m_begin = m_searched = end + 1;
     return true;
 }
 
 bool RecordReader::takeRest(Record* record)
 {
-    const bool isThere = !m_error.empty() || m_isTooLarge || m_begin < m_buffer.size();
+    const bool isThere = !m_error.empty() || !m_failure.empty() || m_begin < m_buffer.size();
     if (m_isOver || (!isThere && m_separator != Whole))
         return false;
     m_isOver = true;
@@ -54,17 +57,41 @@ bool RecordReader::takeRest(Record* record)
     return true;
 }
 
+// Takes the record that ends at this place of the buffer, and drops its separator.
 void RecordReader::take(Record* record, std::size_t end)
 {
-    record->failure.clear();
-    record->text.clear();
-    if (m_isTooLarge || end - m_begin > m_limit)
-        record->failure = tooLargeError();
-    else if (m_begin == 0 && end == m_buffer.size())
-        record->text.swap(m_buffer); // a large one is not copied
-    else
-        record->text.assign(m_buffer, m_begin, end - m_begin);
-    m_isTooLarge = false;
+    *record = Record();
+    if (m_failure.empty() && end - m_begin > m_limit)
+        m_failure = tooLargeError();
+    record->failure.swap(m_failure);
+    const std::size_t behind = std::min(end + 1, m_buffer.size());
+    std::string taken;
+    try {
+        if (end - m_begin < m_buffer.size() - behind) {
+            taken.assign(m_buffer, m_begin, end - m_begin);
+            m_begin = behind;
+        } else { // a large one is not copied, and its memory does not stay here
+            taken.assign(m_buffer, behind);
+            taken.swap(m_buffer);
+            taken.resize(end);
+            taken.erase(0, m_begin);
+            m_begin = 0;
+        }
+    } catch (const std::bad_alloc&) {
+        record->failure = MemoryRanOut;
+        m_begin = behind;
+    }
+    m_searched = m_begin;
+    if (record->failure.empty())
+        record->text.swap(taken);
+}
+
+// Drops what was read of the record at hand; so will be what follows of it.
+void RecordReader::drop(std::string failure)
+{
+    std::string().swap(m_buffer); // gives the memory back
+    m_searched = 0;
+    m_failure = std::move(failure);
 }
 
 void RecordReader::read(Waiting waiting)
@@ -86,10 +113,15 @@ void RecordReader::read(Waiting waiting)
     if (m_isAtEnd)
         return;
     m_bytesRead += static_cast<std::size_t>(got);
-    if (m_isTooLarge || m_buffer.size() > m_limit) {
-        m_isTooLarge = true;
-        m_buffer.clear();
-        m_searched = 0;
+    if (!m_failure.empty())
+        drop(std::move(m_failure));
+    else if (m_buffer.size() > m_limit)
+        drop(tooLargeError());
+    const std::string_view text(block.data(), static_cast<std::size_t>(got));
+    try {
+        m_buffer += text;
+    } catch (const std::bad_alloc&) {
+        drop(MemoryRanOut);
+        m_buffer += text;
     }
-    m_buffer.append(block.data(), static_cast<std::size_t>(got));
 }

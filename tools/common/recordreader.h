@@ -6,6 +6,9 @@
 #include <cstddef>
 #include <string>
 
+/// Why a message is not converted, and what to do about it, if memory runs out over it.
+constexpr const char* MemoryRanOut = "memory ran out; convert it where there is more";
+
 /// May an operation wait for input that is not there yet?
 enum class Waiting { Allowed, Refused };
 
@@ -37,8 +40,9 @@ public:
     /// record may have.
     RecordReader(int descriptor, int separator, std::size_t limit = MaxMessageSize);
 
-    /// Takes the next record, without its separator. One that is too large, and one that cannot be
-    /// read, comes as a failure; behind the latter the stream is at its end.
+    /// Takes the next record, without its separator. One that is too large, one for which memory
+    /// runs out, and one that cannot be read, comes as a failure; behind the last of these the
+    /// stream is at its end.
     Next next(Record* record, Waiting waiting);
 
     /// Number of bytes read so far.
@@ -49,6 +53,7 @@ private:
     bool takeSeparated(Record* record);
     bool takeRest(Record* record);
     void take(Record* record, std::size_t end);
+    void drop(std::string failure);
     void read(Waiting waiting);
 
     int m_descriptor;
@@ -58,7 +63,7 @@ private:
     std::size_t m_begin = 0;    // of the record at hand, in the buffer
     std::size_t m_searched = 0; // up to here there is no separator behind m_begin
     std::size_t m_bytesRead = 0;
-    bool m_isTooLarge = false; // the record at hand; its bytes are dropped
+    std::string m_failure; // of the record at hand, whose bytes are dropped; empty: none
     bool m_isAtEnd = false;
     bool m_isOver = false; // the rest was taken too
     std::string m_error;

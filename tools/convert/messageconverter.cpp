@@ -3,6 +3,7 @@
 #include "inputfile.h"
 #include "messagereports.h"
 #include "outputfile.h"
+#include "recordreader.h"
 
 #include <filesystem>
 #include <new>
@@ -15,7 +16,7 @@ ConversionResult MessageConverter::convert(const Message& message)
         convertInto(message, &reports, &result);
     } catch (const std::bad_alloc&) {
         m_conversion.reset();
-        reports.notConverted("memory ran out; convert it where there is more");
+        reports.notConverted(MemoryRanOut);
     }
     return result;
 }
