@@ -398,7 +398,7 @@ class Filter(CommandTest):
     def test_record_for_which_memory_runs_out_is_told_and_the_others_go_on(self):
         self.skip_with_sanitizers()
         limit = lambda: resource.setrlimit(resource.RLIMIT_AS, (400 * 2 ** 20, 400 * 2 ** 20))
-        for size in (300, 200):
+        for size in (300, 120):
             self.write("archive", "\n".join([message(1), "X" * (size * 10 ** 6), message(3)]))
             for jobs in ("1", "2"):
                 with self.subTest(size=size, jobs=jobs):
@@ -407,6 +407,23 @@ class Filter(CommandTest):
                     self.assertRegex(result.stdout, "(?s)>ABC1<.*>ABC3<")
                     if size == 300:
                         self.assertIn("memory ran out; convert it where there", result.stderr)
+
+    def test_documents_for_which_memory_runs_out_are_told_and_the_others_go_on(self):
+        """Several large ones at once: it runs out in this process or the other."""
+        self.skip_with_sanitizers()
+        large = message(2) + " -POINT -LEVEL F370" * 150000
+        self.write("archive", "\n".join([message(1), *[large] * 6, message(8)]))
+        reasons = ""
+        for size in (190, 220, 240):
+            limit = lambda most=size * 2 ** 20: resource.setrlimit(resource.RLIMIT_AS, (most, most))
+            result = self.convert("-j", "4", "--lines", "archive", preexec_fn=limit)
+            not_converted = result.stderr.count(": not converted: ")
+            self.assertEqual(2 if not_converted else 0, result.returncode, result.stderr)
+            self.assertRegex(result.stdout, "(?s)>ABC1<.*>ABC8<")
+            self.assertEqual(not_converted, len(result.stderr.splitlines()), result.stderr)
+            self.assertEqual(8, not_converted + result.stdout.count("<ADEXP_XML "))
+            reasons += result.stderr
+        self.assertIn("the process that converted it ended for want of memory, twice", reasons)
 
 
 class Summary(CommandTest):

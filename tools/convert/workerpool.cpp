@@ -2,9 +2,11 @@
 
 #include "framereader.h"
 #include "framewriter.h"
+#include "recordreader.h"
 
 #include <algorithm>
 #include <iterator>
+#include <new>
 #include <poll.h>
 #include <utility>
 
@@ -58,6 +60,8 @@ void WorkerPool::run(MessageSource* source, const Sink& sink, const BeforeWaitin
             return stop();
         if (m_isAtEnd && m_retries.empty() && !isAnyBusy())
             return;
+        if (!isAnyBusy() && !m_isWaitingForInput)
+            continue; // memory ran out over all that was taken
         beforeWaiting();
         waitFor(*source);
     }
@@ -86,9 +90,14 @@ void WorkerPool::give(MessageSource* source)
         Batch batch = nextBatch(source);
         if (batch.messages.empty())
             return;
+        try {
+            worker->process->give(batch.messages);
+        } catch (const std::bad_alloc&) {
+            tryAgain(std::move(batch), MemoryRanOut);
+            continue;
+        }
         worker->batch = std::move(batch);
         worker->isBusy = true;
-        worker->process->give(worker->batch.messages);
     }
 }
 
@@ -150,14 +159,27 @@ void WorkerPool::waitFor(const MessageSource& source)
 
 void WorkerPool::receive(std::size_t place)
 {
-    Worker& worker = m_workers[place];
-    if (!worker.process->read())
-        return replace(place);
+    try {
+        if (!takeAnswers(&m_workers[place]))
+            replace(place);
+    } catch (const std::bad_alloc&) {
+        Batch batch = std::move(m_workers[place].batch);
+        start(place);
+        tryAgain(std::move(batch), MemoryRanOut);
+    }
+}
+
+// False if the process has died.
+bool WorkerPool::takeAnswers(Worker* worker)
+{
+    if (!worker->process->read())
+        return false;
     std::string frame;
-    while (worker.process->takeAnswer(&frame))
-        keep(worker.batch.first + worker.batch.answered++, std::move(frame));
-    if (worker.batch.answered == worker.batch.messages.size())
-        worker.isBusy = false;
+    while (worker->process->takeAnswer(&frame))
+        keep(worker->batch.first + worker->batch.answered++, std::move(frame));
+    if (worker->batch.answered == worker->batch.messages.size())
+        worker->isBusy = false;
+    return true;
 }
 
 // The process has died, over its batch if it had one.
@@ -166,6 +188,15 @@ void WorkerPool::replace(std::size_t place)
     Batch batch = std::move(m_workers[place].batch);
     const std::string how = m_workers[place].process->end();
     start(place);
+    tryAgain(std::move(batch), "the process that converted it ended " + how +
+                                   ", twice; report it to us with the message, or give it more "
+                                   "memory");
+}
+
+// What of the batch has no answer is tried again one by one; a message that was tried so already
+// has failed for the reason.
+void WorkerPool::tryAgain(Batch batch, const std::string& reason)
+{
     for (std::size_t i = batch.answered; i < batch.messages.size(); ++i) {
         const std::uint64_t number = batch.first + i;
         if (!batch.isRetry) {
@@ -174,10 +205,7 @@ void WorkerPool::replace(std::size_t place)
         }
         std::string frame;
         FrameWriter writer(&frame);
-        m_failure(batch.messages[i],
-                  "the process that converted it ended " + how +
-                      ", twice; report it to us with the message, or give it more memory")
-            .writeTo(&writer);
+        m_failure(batch.messages[i], reason).writeTo(&writer);
         keep(number, std::move(frame));
     }
 }

@@ -17,7 +17,7 @@
 ///
 /// A message whose process dies is tried once more, alone in a new process, and so are those that
 /// were given with it. If that process dies as well, the message is at fault: its result says so,
-/// and the others go on.
+/// and the others go on. The same is done if memory runs out over handing messages or results over.
 class WorkerPool
 {
 public:
@@ -71,7 +71,9 @@ private:
     bool deliver(const Sink& sink);
     void waitFor(const MessageSource& source);
     void receive(std::size_t place);
+    bool takeAnswers(Worker* worker);
     void replace(std::size_t place);
+    void tryAgain(Batch batch, const std::string& reason);
     void keep(std::uint64_t number, std::string frame);
     void stop();
 

@@ -11,22 +11,20 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <new>
 #include <sys/wait.h>
 #include <system_error>
 #include <unistd.h>
 
 namespace {
 
+// Exit status of a process; end() tells it.
+constexpr int EndForWantOfMemory = 2;
+
 constexpr std::size_t SizeOfSize = sizeof(std::uint64_t);
 
 // Answers of this size are sent, even if more follow; less would be dear by the system calls.
 constexpr std::size_t EnoughToSend = 1 << 18;
-
-// A frame is sent behind its size.
-void appendFrame(std::string_view frame, std::string* out)
-{
-    FrameWriter(out).text(frame);
-}
 
 bool writeAll(int descriptor, std::string_view data)
 {
@@ -37,6 +35,14 @@ bool writeAll(int descriptor, std::string_view data)
         data.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(written, 0)));
     }
     return true;
+}
+
+// A frame is sent behind its size.
+bool writeFrame(int descriptor, std::string_view frame)
+{
+    std::string size;
+    FrameWriter(&size).number(frame.size());
+    return writeAll(descriptor, size) && writeAll(descriptor, frame);
 }
 
 bool readAll(int descriptor, char* data, std::size_t size)
@@ -119,8 +125,12 @@ WorkerProcess::~WorkerProcess()
 
 void WorkerProcess::run(const Work& work, int messages, int answers)
 {
-    std::string frame;
-    while (readFrame(messages, &frame) && answer(work, frame, answers)) {
+    try {
+        std::string frame;
+        while (readFrame(messages, &frame) && answer(work, frame, answers)) {
+        }
+    } catch (const std::bad_alloc&) {
+        std::exit(EndForWantOfMemory);
     }
     std::exit(0);
 }
@@ -135,7 +145,7 @@ bool WorkerProcess::answer(const Work& work, std::string_view frame, int answers
         result.clear();
         FrameWriter writer(&result);
         work(Message::readFrom(&reader)).writeTo(&writer);
-        appendFrame(result, &out);
+        FrameWriter(&out).text(result);
         if (left > 1 && out.size() < EnoughToSend)
             continue;
         if (!writeAll(answers, out))
@@ -152,10 +162,8 @@ void WorkerProcess::give(const std::vector<Message>& messages)
     writer.number(messages.size());
     for (const Message& message : messages)
         message.writeTo(&writer);
-    std::string out;
-    appendFrame(frame, &out);
     // If it has ended, read() will tell.
-    writeAll(m_messages, out);
+    writeFrame(m_messages, frame);
 }
 
 bool WorkerProcess::read()
@@ -194,5 +202,7 @@ std::string WorkerProcess::end()
     if (WIFSIGNALED(status))
         return "by signal " + std::to_string(WTERMSIG(status)) + " (" +
                strsignal(WTERMSIG(status)) + ')';
+    if (WEXITSTATUS(status) == EndForWantOfMemory)
+        return "for want of memory";
     return "with status " + std::to_string(WEXITSTATUS(status));
 }

@@ -31,11 +31,13 @@ public:
     WorkerProcess& operator=(const WorkerProcess&) = delete;
 
     /// Gives it @p messages. To be called only when it has answered all before: it then reads what
-    /// is written to it, so that neither waits for the other.
+    /// is written to it, so that neither waits for the other. Throws std::bad_alloc if memory runs
+    /// out; then it got none of them.
     void give(const std::vector<Message>& messages);
 
     /// Reads what there is of answers; waits for them if there is nothing. False if the process has
-    /// ended, which it does only by a fault or a signal.
+    /// ended, which it does only by a fault or a signal, or for want of memory. Throws
+    /// std::bad_alloc if memory runs out here; then its answers are lost.
     bool read();
 
     /// Takes the next answer out of what was read: a ConversionResult as a frame. False if none is
