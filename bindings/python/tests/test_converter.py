@@ -1,6 +1,10 @@
 """The module against the built library: ADEXP_LIBRARY names it, ADEXP_COMMAND the command."""
+import copy
 import ctypes
+import gc
+import itertools
 import os
+import pickle
 import resource
 import signal
 import subprocess
@@ -12,6 +16,7 @@ from pathlib import Path
 import pytest
 
 import adexp
+from adexp import _diagnostics
 from adexp._diagnostics import Collector, MessageOutput
 from adexp._library import load
 
@@ -136,41 +141,40 @@ def test_settings_for_logging_hide_no_reports():
 def test_messages_that_the_application_has_switched_off_stay_off(converter, capfd):
     library = load()
     output = MessageOutput(library)
-    output.switch_off((0,))
+    output.switch((0,), False)
     try:
         converter.convert("X " + GOOD)
         assert converter.diagnostics == ['"ignore word" "X"']
-        with Collector(output):
-            other = threading.Thread(target=log, args=(library, b"other"))
-            other.start()
-            other.join()
+        Collector(output).run(lambda: log_in_thread(library, b"other"))
         log(library, b"after")
         assert capfd.readouterr().err == ""
     finally:
-        output.let_through()
+        output.switch((0,), True)
     log(library, b"on again")
     assert "on again" in capfd.readouterr().err
 
 
 def test_the_handler_before_is_back_after_a_call(capfd):
     library = load()
-    with Collector(MessageOutput(library)):
-        pass
+    Collector(MessageOutput(library)).run(lambda: None)
     log(library, b"after")
     assert "after" in capfd.readouterr().err
 
 
-def test_messages_of_other_threads_go_to_the_handler_before():
+def test_messages_of_other_threads_go_to_the_handler_before(capfd):
     library = load()
-    output = MessageOutput(library)
-    with Collector(output) as outer, Collector(output) as inner:
-        log(library, b"own")
-        other = threading.Thread(target=log, args=(library, b"other"))
-        other.start()
-        other.join()
-    assert inner.lines == ["own"]
-    # The outer one is of this thread as well, so the line went on to Qt.
-    assert outer.lines == []
+    collector = Collector(MessageOutput(library))
+    collector.run(lambda: [log(library, b"own"), log_in_thread(library, b"other")])
+    assert collector.lines == ["own"]
+    written = capfd.readouterr().err
+    assert "other" in written
+    assert "own" not in written
+
+
+def log_in_thread(library, text):
+    thread = threading.Thread(target=log, args=(library, text))
+    thread.start()
+    thread.join()
 
 
 def log(library, text):
@@ -221,6 +225,127 @@ def test_signal_handler_cannot_use_the_converter_that_it_interrupts(converter, a
     assert converter.convert(GOOD)
 
 
+class Interrupt(BaseException):
+    pass
+
+
+@pytest.fixture
+def interrupted(monkeypatch):
+    """Runs a function with an interrupt at each of the points where a signal handler may run: first
+    at the first one, and so on until it comes to its end. Gives way after each."""
+    def run(function):
+        module = str(Path(adexp.__file__).parent)
+        for point in itertools.count():
+            passed = 0
+
+            def profile(frame, event, _):
+                nonlocal passed
+                if frame.f_code.co_filename.startswith(module) and event != "c_call":
+                    passed += 1
+                    if passed == point + 1:
+                        sys.setprofile(None)
+                        raise Interrupt
+
+            monkeypatch.setattr(sys, "unraisablehook", lambda _: None)
+            hook = sys.unraisablehook
+            sys.setprofile(profile)
+            try:
+                function()
+            except Interrupt:
+                pass
+            finally:
+                sys.setprofile(None)
+            assert sys.unraisablehook is hook
+            assert Collector.current is None
+            assert len(_diagnostics._replaced) == 1
+            yield
+            if passed <= point:
+                assert point > 30
+                return
+
+    return run
+
+
+def handler_of_messages():
+    output = MessageOutput(load())
+    handlers = []
+    output.replace(None, handlers)
+    output.install(handlers[0])
+    return handlers[0]
+
+
+def test_interrupt_at_any_point_of_a_conversion_leaves_nothing_behind(converter, interrupted):
+    before = handler_of_messages()
+    for _ in interrupted(lambda: converter.convert("X " + GOOD)):
+        assert handler_of_messages() == before
+        converter.convert("Y " + GOOD)
+        assert converter.diagnostics == ['"ignore word" "Y"']
+
+
+def test_interrupt_at_any_point_of_a_life_leaves_the_library_free(interrupted):
+    def live():
+        with adexp.Converter() as converter:
+            converter.convert(GOOD)
+
+    before = handler_of_messages()
+    for _ in interrupted(live):
+        assert handler_of_messages() == before
+        with adexp.Converter() as second:
+            assert second.convert(GOOD)
+
+
+def test_interrupt_of_the_closing_of_a_dropped_converter_leaves_the_library_free(interrupted):
+    def drop():
+        adexp.Converter()
+
+    for _ in interrupted(drop):
+        adexp.Converter().close()
+
+
+def test_interrupt_behind_the_clearing_leaves_the_library_free(converter, monkeypatch):
+    def clear():
+        load().clear_adexp()
+        raise Interrupt
+
+    with monkeypatch.context() as patch:
+        patch.setattr(converter._library, "clear_adexp", clear)
+        with pytest.raises(Interrupt):
+            converter.close()
+    adexp.Converter().close()
+
+
+def test_signal_handler_in_the_midst_of_closing_finds_it_closed(converter, monkeypatch):
+    def clear():
+        cleared.append(True)
+        converter.close()
+        errors.append(call_error(adexp.Converter))
+        real()
+
+    cleared = []
+    errors = []
+    real = converter._library.clear_adexp
+    monkeypatch.setattr(converter._library, "clear_adexp", clear)
+    converter.close()
+    assert cleared == [True]
+    assert errors == ["InUseError"]
+
+
+def test_interrupt_while_the_library_converts_loses_no_document(converter, alarm, monkeypatch):
+    def interrupt():
+        raise Interrupt
+
+    freed = []
+    real = converter._library.free_adexp
+    monkeypatch.setattr(converter._library, "free_adexp",
+                        lambda document: (freed.append(document), real(document)))
+    # Python does not run before it is converted: nothing is reported.
+    message = (GOOD + " " * 10**8).encode()
+    alarm(interrupt)
+    with pytest.raises(Interrupt):
+        converter.convert(message)
+    assert len(freed) == 1
+
+
 def test_other_errors_that_nobody_can_catch_go_where_they_went(monkeypatch):
     class Failing:
         def __del__(self):
@@ -233,15 +358,88 @@ def test_other_errors_that_nobody_can_catch_go_where_they_went(monkeypatch):
     def hook(unraisable):
         seen.append(unraisable.exc_type)
 
-    seen = []
-    monkeypatch.setattr(sys, "unraisablehook", hook)
-    with Collector(MessageOutput(load())):
+    def fail_twice():
         Failing()
         other = threading.Thread(target=fail)
         other.start()
         other.join()
+
+    seen = []
+    monkeypatch.setattr(sys, "unraisablehook", hook)
+    Collector(MessageOutput(load())).run(fail_twice)
     assert seen == [ValueError, IndexError]
     assert sys.unraisablehook is hook
+
+
+# Processes
+
+def in_child(function):
+    """What a function prints in a child process. It is killed if it does not come to an end."""
+    reading, writing = os.pipe()
+    child = os.fork()
+    if child == 0:
+        signal.alarm(10)
+        try:
+            os.write(writing, repr(function()).encode())
+        finally:
+            os._exit(0)
+    os.close(writing)
+    with os.fdopen(reading) as result:
+        text = result.read()
+    os.waitpid(child, 0)
+    return text
+
+
+def test_child_process_converts_while_another_thread_of_its_parent_does(converter):
+    expected = converter.convert(GOOD)
+    thread = threading.Thread(target=converter.convert, args=(LONG,))
+    hook = sys.unraisablehook
+    before = handler_of_messages()
+    thread.start()
+    while sys.unraisablehook is hook:
+        time.sleep(0.001)
+    child = in_child(lambda: (converter.convert(GOOD), handler_of_messages() == before,
+                              sys.unraisablehook is hook))
+    assert thread.is_alive()
+    thread.join()
+    assert child == repr((expected, True, True))
+
+
+def test_signal_handler_may_start_a_process(converter, alarm):
+    def fork():
+        children.append(in_child(lambda: call_error(converter.close)))
+
+    children = []
+    alarm(fork)
+    converter.convert(LONG)
+    assert children == ["'InUseError'"]
+
+
+def test_child_process_of_a_thread_that_is_closing_cannot_use_the_library(converter, monkeypatch):
+    def clear():
+        clearing.set()
+        done.wait()
+        real()
+
+    clearing = threading.Event()
+    done = threading.Event()
+    real = converter._library.clear_adexp
+    monkeypatch.setattr(converter._library, "clear_adexp", clear)
+    thread = threading.Thread(target=converter.close)
+    thread.start()
+    clearing.wait()
+    child = in_child(lambda: (call_error(converter.close), call_error(adexp.Converter)))
+    done.set()
+    thread.join()
+    assert child == "(None, 'InUseError')"
+
+
+def call_error(function):
+    try:
+        function()
+    except Exception as error:
+        return type(error).__name__
+    return None
 
 
 # Rule sets
@@ -307,6 +505,38 @@ def test_converter_that_is_dropped_is_closed():
     adexp.Converter().convert(GOOD)
     with adexp.Converter() as second:
         assert second.convert(GOOD)
+
+
+@pytest.mark.parametrize("duplicate", [copy.copy, copy.deepcopy, pickle.dumps])
+def test_converter_cannot_be_copied(converter, duplicate):
+    with pytest.raises(TypeError, match="neither copied nor pickled"):
+        duplicate(converter)
+    assert converter.convert(GOOD)
+
+
+def test_converter_is_made_once(converter):
+    with pytest.raises(RuntimeError, match="made already"):
+        converter.__init__()
+    assert converter.convert(GOOD)
+
+
+def test_converter_that_was_never_made_is_dropped_in_silence(monkeypatch):
+    errors = []
+    monkeypatch.setattr(sys, "unraisablehook", errors.append)
+    with pytest.raises(TypeError):
+        adexp.Converter(foo=1)
+    with pytest.raises(FileNotFoundError):
+        adexp.Converter("no.ini")
+    gc.collect()
+    assert errors == []
+
+
+def test_converter_in_a_cycle_is_closed_when_it_is_collected():
+    converter = adexp.Converter()
+    converter.itself = converter
+    del converter
+    gc.collect()
+    assert adexp.Converter._claims == {}
 
 
 def test_without_a_document_it_goes_on(converter):
