@@ -22,7 +22,7 @@ def is_alive(pid):
     try:
         with open("/proc/%d/stat" % pid, encoding="ascii", errors="replace") as file:
             return file.read().rsplit(")", 1)[1].split()[0] != "Z"
-    except FileNotFoundError:
+    except (FileNotFoundError, ProcessLookupError): # the latter between opening and reading
         return False
 
 
