@@ -188,9 +188,9 @@ private:
     // How many references may follow.
     double mostReferences() const
     {
-        constexpr std::size_t ShortestReference = 3;
+        constexpr double ShortestReference = 3;
         if (!m_isAscii)
-            return static_cast<double>(m_xml.size() / ShortestReference);
+            return static_cast<double>(m_xml.size()) / ShortestReference;
         const std::string_view rest = m_xml.substr(std::min(m_pos, m_xml.size()));
         return static_cast<double>(std::count(rest.begin(), rest.end(), '&'));
     }
