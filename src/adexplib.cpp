@@ -72,9 +72,11 @@ const char* giveToCaller(XmlDocument document, unsigned int* outLength)
 
 // No exception leaves these functions: what Qt and the standard library throw is std::bad_alloc.
 // What ends a thread inside a call (a cancellation, pthread_exit() in a message handler) is no
-// exception, although it can be caught: the process ends if it is not passed on.
+// exception, although it can be caught: the process ends if it is not passed on. What is caught
+// then is a reference to nothing, which the sanitizer would report.
+#define CATCHES_FORCED_UNWIND __attribute__((no_sanitize("null")))
 
-int init_adexp(const char* iniPath, int length)
+CATCHES_FORCED_UNWIND int init_adexp(const char* iniPath, int length)
 try {
     const bool useDefault = length < 1 || !iniPath;
     return load(useDefault ? QStringLiteral("adexp.ini") : QString::fromUtf8(iniPath, length));
@@ -90,7 +92,8 @@ void clear_adexp(void)
     mc = nullptr;
 }
 
-const char* convert_from_adexp(const char* text, unsigned int length, unsigned int* outLength)
+CATCHES_FORCED_UNWIND const char* convert_from_adexp(const char* text, unsigned int length,
+                                                     unsigned int* outLength)
 try {
     if (outLength)
         *outLength = 0;
