@@ -176,8 +176,8 @@ std::unique_ptr<TermStd> ExpressionCompiler::compilePart(const ConfigInfo* recor
     if (auto standard = std::unique_ptr<TermStd>(m_expression->isStdTerm(record)))
         return standard;
     // A single word becomes the same as by the way below. Rules are full of such parts ("[RFL]"),
-    // and without an expression made and unmade for each the embedded rules load in 9/10 of the
-    // time.
+    // and no expression has to be made and unmade for each. The way below reports what nests too
+    // deep.
     const QString& text = record->ruleText;
     const bool isWord = std::none_of(text.cbegin(), text.cend(), endsWord);
     if (isWord && m_nesting < TermExpression::MaxNesting)

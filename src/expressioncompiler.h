@@ -53,9 +53,9 @@ private:
     const QChar* textEnd() const;
 
     TermExpression* m_expression;
-    const QString& m_text;    // ExprRuleStr,
-    QList<TermStd*>& m_terms; // ExprList
-    QString& m_operators;     // and OperatorsList of the expression
+    const QString& m_text;    // ExprRuleStr of the expression
+    QList<TermStd*>& m_terms; // its ExprList
+    QString& m_operators;     // its OperatorsList
     int m_nesting;            // brackets around the text
     const QChar* m_parsePos;  // the cursor into the text
     QString m_pendingWord;    // read but not yet appended: a count may turn out of it

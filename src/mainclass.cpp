@@ -71,7 +71,7 @@ QString ownCopy(const QString& text)
 
 // The records of a rule file that are not disabled, taken out of the document, which is empty
 // afterwards. Terms made while it is there would lie between its nodes, and leave the heap full of
-// holes when it goes: that took a fifth of the loading of 20 000 definitions.
+// holes when it goes: loading many definitions would take longer for each.
 std::vector<ConfigInfo> takeRecords(QDomDocument* document, const QString& file,
                                     const QString& nameAttribute, const QString& textElement)
 {

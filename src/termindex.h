@@ -11,8 +11,8 @@ class TermStd;
 /// Terms by their text, for the look-up of each field of each message.
 ///
 /// A table of slots, twice as many as there are terms, searched from the slot that the hash of the
-/// text names. It holds keywords of a few letters, for which the hash and the
-/// comparison of QHash, made for long texts, do more than is needed.
+/// text names. It holds keywords of a few letters, for which the hash and the comparison of QHash,
+/// made for long texts, do more than is needed.
 class TermIndex
 {
 public:
