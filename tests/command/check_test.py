@@ -13,7 +13,9 @@ import time
 
 from commandtest import CommandTest, main
 
-CASES = sorted(glob.glob(os.path.join(os.path.dirname(os.path.abspath(__file__)), "check", "*.txt")))
+# The folder may have brackets in its name.
+HERE = glob.escape(os.path.dirname(os.path.abspath(__file__)))
+CASES = sorted(glob.glob(os.path.join(HERE, "check", "*.txt")))
 SOURCES = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "src")
 FILES = {"simpleTermsFile": "simple.xml", "subFieldsFile": "sub.xml",
          "primaryFieldsFile": "primary.xml", "msgRulesFile": "rules.xml"}
@@ -38,7 +40,7 @@ def simple_term(name, expression):
 def config_texts():
     """The texts of all findings about rule sets: what goes through tr()."""
     texts = set()
-    for path in glob.glob(os.path.join(SOURCES, "*.cpp")):
+    for path in glob.glob(os.path.join(glob.escape(SOURCES), "*.cpp")):
         if os.path.basename(path) in MESSAGE_SOURCES:
             continue
         with open(path, encoding="utf-8") as file:

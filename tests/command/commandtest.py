@@ -3,6 +3,7 @@
 Usage of every test file: FILE.py PATH-OF-THE-COMMAND [arguments of unittest]
 """
 
+import ctypes
 import os
 import shutil
 import subprocess
@@ -19,6 +20,11 @@ NO_RULE = "-TITLE OTHER -ARCID ABC123\n"
 
 # Long enough for a machine that is busy with other things; nothing here takes a second.
 TIMEOUT = 60
+
+# From linux/capability.h and linux/prctl.h
+CAP_DAC_OVERRIDE = 1
+CAP_DAC_READ_SEARCH = 2
+PR_CAPBSET_DROP = 24
 
 
 class CommandTest(unittest.TestCase):
@@ -67,6 +73,14 @@ class CommandTest(unittest.TestCase):
     def convert(self, *arguments, **options):
         """Runs "convert" with the rule set of the tests."""
         return self.run_command("convert", "--settings", "rules.ini", *arguments, **options)
+
+    def convert_with_ordinary_permissions(self, *arguments, **options):
+        """Like convert(), but the permissions of files hold for root as well: root reads and writes all
+        files by two capabilities, which the command does not get."""
+        def drop():
+            for capability in (CAP_DAC_OVERRIDE, CAP_DAC_READ_SEARCH):
+                ctypes.CDLL(None).prctl(PR_CAPBSET_DROP, capability, 0, 0, 0)
+        return self.convert(*arguments, preexec_fn=drop, **options)
 
     def assert_ends(self, result, status, *error_texts):
         """The exit status, and what must stand on standard error: nothing without texts."""

@@ -339,10 +339,10 @@ class Filter(CommandTest):
     def test_reports_never_stand_before_the_documents_of_earlier_messages(self):
         result = self.convert("--lines", stdin="%s\n%s\n" % (MESSAGE, REPORTED.strip()),
                               stdout=subprocess.PIPE)
-        both = subprocess.run("exec 2>&1; %s convert --settings rules.ini --lines" % self.command,
-                              shell=True, cwd=self.folder, encoding="utf-8", timeout=TIMEOUT,
+        both = subprocess.run([self.command, "convert", "--settings", "rules.ini", "--lines"],
+                              cwd=self.folder, encoding="utf-8", timeout=TIMEOUT,
                               input="%s\n%s\n" % (MESSAGE, REPORTED.strip()),
-                              stdout=subprocess.PIPE, check=False).stdout
+                              stdout=subprocess.PIPE, stderr=subprocess.STDOUT, check=False).stdout
         end = len("</ADEXP_XML>\n") + both.index("</ADEXP_XML>\n")
         self.assertEqual(result.stderr, both[end:end + len(result.stderr)])
 

@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
 """Installs the build into an empty folder and uses it from there.
 
-    install_test.py CMAKE BUILD_FOLDER C_COMPILER SANITIZERS LIBDIR
+    install_test.py CMAKE GENERATOR BUILD_FOLDER C_COMPILER SANITIZERS LIBDIR
 
+GENERATOR is that of the build: another one may need programs that are not there.
 SANITIZERS is what the library was built with ("address,undefined" or nothing): a program that uses it
 has to be built with the same. LIBDIR is where the library goes in the folder, "lib" or the like.
 """
@@ -24,7 +25,7 @@ PROJECT = """\
 cmake_minimum_required(VERSION 3.16)
 project(stranger LANGUAGES C)
 find_package(adexp {version} REQUIRED)
-add_executable(convert {example})
+add_executable(convert "{example}")
 target_link_libraries(convert PRIVATE adexp::adexp)
 """
 
@@ -66,7 +67,8 @@ class Installed(unittest.TestCase):
         (self.work / "CMakeLists.txt").write_text(PROJECT.format(version=version, example=EXAMPLE),
                                                   encoding="utf-8")
         return subprocess.run(
-            [CMAKE, "-S", self.work, "-B", self.work / "build", f"-DCMAKE_PREFIX_PATH={self.prefix}",
+            [CMAKE, "-G", GENERATOR, "-S", self.work, "-B", self.work / "build",
+             f"-DCMAKE_PREFIX_PATH={self.prefix}",
              f"-DCMAKE_C_COMPILER={COMPILER}"],
             env=self.environment, text=True, capture_output=True, check=False)
 
@@ -104,8 +106,8 @@ class Installed(unittest.TestCase):
         found = run("pkg-config", "--cflags", "--libs", "adexp >= 1.0", env=dict(
             os.environ, PKG_CONFIG_PATH=str(self.library_folder / "pkgconfig")))
         program = self.work / "convert"
-        command = f"{COMPILER} {' '.join(self.flags)} {EXAMPLE} -o {program} {found}"
-        run("sh", "-c", command)
+        # The shell reads what pkg-config prints, as it does for users.
+        run("sh", "-c", f'"$@" {found}', "sh", COMPILER, *self.flags, EXAMPLE, "-o", program)
         self.assert_converts(program, env=dict(os.environ, LD_LIBRARY_PATH=str(self.library_folder)))
 
     def test_pkg_config_knows_the_version(self):
@@ -155,5 +157,5 @@ class Installed(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    CMAKE, BUILD, COMPILER, SANITIZERS, LIBDIR = sys.argv[1:6]
-    unittest.main(argv=sys.argv[:1] + sys.argv[6:])
+    CMAKE, GENERATOR, BUILD, COMPILER, SANITIZERS, LIBDIR = sys.argv[1:7]
+    unittest.main(argv=sys.argv[:1] + sys.argv[7:])

@@ -3,7 +3,9 @@
 #
 #   cmake -DPROGRAM=<convertfiles> -DMESSAGES=<folder> -P <this file>
 
-file(GLOB messages LIST_DIRECTORIES false ${MESSAGES}/*)
+# The folder may have brackets in its name, which a pattern would take for its own.
+string(REGEX REPLACE "([][*?])" "[\\1]" pattern "${MESSAGES}/")
+file(GLOB messages LIST_DIRECTORIES false ${pattern}*)
 if(NOT messages)
     message(FATAL_ERROR "no messages in ${MESSAGES}")
 endif()
