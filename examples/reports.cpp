@@ -1,5 +1,5 @@
-// Converts the message on standard input, and takes the library's reports by a message handler of
-// its own: ./reports < plan.adexp > plan.xml
+// Converts the message on standard input, and handles the reports of the library itself:
+//   ./reports < plan.adexp > plan.xml
 //
 // To build it, with an installed library and Qt 6 (with Qt 5: Qt5Core):
 //   c++ -std=c++17 -fPIC reports.cpp -o reports $(pkg-config --cflags --libs adexp Qt6Core)
@@ -20,7 +20,7 @@
 
 namespace {
 
-// The handler is one for the whole process and has no argument of ours, hence the global.
+// A process has one handler, which gets no argument of ours. So the reports are global.
 std::vector<std::string> reports;
 
 void takeReport(QtMsgType, const QMessageLogContext&, const QString& text)

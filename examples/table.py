@@ -3,8 +3,8 @@
 
     table.py FOLDER [FIELD...]      for example: table.py messages ARCID ADEP ADES EOBT
 
-A row for each file: its name, the title of the message, the data of the first field of each name, and
-what was reported about the message.
+The table has a row for each file: its name, the title of the message, the data of the first field of
+each name, and the reports about the message.
 """
 import csv
 import sys
