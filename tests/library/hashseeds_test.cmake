@@ -1,12 +1,15 @@
 # The same messages must give the same bytes in every process: nothing may depend on the order of
 # Qt's hash tables, which changes from process to process.
 #
-#   cmake -DPROGRAM=<convertfiles> -DMESSAGES=<folder> -P <this file>
+#   cmake -DPROGRAM=<convertfiles> -DMESSAGES=<folder>;<folder> -P <this file>
 
-file(GLOB messages LIST_DIRECTORIES false ${MESSAGES}/*)
-if(NOT messages)
-    message(FATAL_ERROR "no messages in ${MESSAGES}")
-endif()
+foreach(folder IN LISTS MESSAGES)
+    file(GLOB_RECURSE found ${folder}/*.adexp)
+    if(NOT found)
+        message(FATAL_ERROR "no messages in ${folder}")
+    endif()
+    list(APPEND messages ${found})
+endforeach()
 
 function(convert variable)
     execute_process(COMMAND ${CMAKE_COMMAND} -E env ${ARGN} ${PROGRAM} ${messages}

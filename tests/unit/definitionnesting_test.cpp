@@ -1,8 +1,10 @@
-// How deep definitions may nest, and that nothing deeper than that takes the stack away.
+// How deep definitions may nest, and that nothing deeper than that uses up the stack.
 
 #include "support/diagnosticcapture.h"
+#include "support/grammar.h"
 #include "support/smallstack.h"
 
+#include "adexpdoc.h"
 #include "definitionnesting.h"
 #include "mainclass.h"
 #include "termexpression.h"
@@ -127,6 +129,37 @@ TEST(DefinitionNesting, OfALongerChainThoseWithinTheLimitStay)
             EXPECT_EQ(reports.at(1), Removed);
             EXPECT_NE(converter.termsList.search(numbered(Length - kept)), nullptr);
             EXPECT_EQ(converter.termsList.search(numbered(Length - kept - 1)), nullptr);
+        });
+    }
+}
+
+// Only a defined field has fields in it, so a tree of fields is not deeper than the definitions.
+// Reading and writing it call themselves once for each level.
+TEST(DefinitionNesting, TheDeepestTreeOfFieldsIsConvertedWithLittleStack)
+{
+    constexpr int Levels = TermExpression::MaxNesting + 1;
+    for (const bool isBlock : {false, true}) {
+        runWithSmallStack([isBlock] {
+            const DiagnosticCapture capture;
+            Grammar grammar;
+            QString message = QStringLiteral("-TITLE DEEP");
+            QString ends;
+            for (int i = 0; i < Levels; ++i) {
+                const bool isLast = i + 1 == Levels;
+                grammar.field(numbered(i), isLast ? QStringLiteral("DIGIT") : numbered(i + 1));
+                message += QLatin1String(isBlock ? " -BEGIN " : " -") + numbered(i);
+                ends.prepend(QLatin1String(" -END ") + numbered(i));
+            }
+            grammar.rule(QStringLiteral("DEEP"), numbered(0));
+            AdexpDoc doc(message + QLatin1String(" 7") + (isBlock ? ends : QString()));
+            doc.setRootField(grammar.rules());
+            doc.parse();
+            const std::string document(doc.toXMLString().view());
+            // A field of a block stands in an item of its own.
+            const size_t elementsAround = isBlock ? 2 * Levels : Levels + 1;
+            const std::string innermost = '\n' + std::string(4 * elementsAround, ' ') + "<T128 ";
+            EXPECT_NE(document.find(innermost), std::string::npos);
+            EXPECT_TRUE(capture.lines().empty());
         });
     }
 }
