@@ -1,4 +1,4 @@
-// Holds every example of docs/guide.md against the library. The examples are the fenced blocks of
+// Runs every example of docs/guide.md against the library. The examples are the fenced blocks of
 // the guide; the section "How the examples are written" in it says what the kinds of blocks mean.
 // Each block is a test, named after the line on which it begins.
 //
@@ -354,7 +354,7 @@ TEST_P(FileBlock, LoadsAndKeepsToItsExamples)
     EXPECT_EQ(converter.termsList.size(), records);
 }
 
-// An example that nobody runs would grow wrong unseen.
+// An example that nobody runs would become wrong, and nobody would see it.
 TEST(Guide, HasOnlyBlocksThatAreTested)
 {
     EXPECT_FALSE(blocks().empty());

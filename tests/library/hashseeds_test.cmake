@@ -1,5 +1,5 @@
 # The same messages must give the same bytes in every process: nothing may depend on the order of
-# Qt's hash tables, which changes from process to process.
+# Qt's hash tables, which is different in each process.
 #
 #   cmake -DPROGRAM=<convertfiles> -DMESSAGES=<folder>;<folder> -P <this file>
 

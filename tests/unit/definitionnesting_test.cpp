@@ -111,7 +111,7 @@ TEST(DefinitionNesting, AChainOfReferencesUpToTheLimitMatches)
     }
 }
 
-// Those that are too deep are removed, those that are not stay, in whatever order they stand.
+// Definitions that are too deep are removed, the others stay, in any order.
 TEST(DefinitionNesting, OfALongerChainThoseWithinTheLimitStay)
 {
     constexpr int Length = 100000;
@@ -213,8 +213,8 @@ bool containsTangled(const DiagnosticCapture& capture)
         QStringLiteral("loops of variables are tangled more than 400 levels deep"));
 }
 
-// The checks enter a definition of a tangle again through each of its references: as many levels as
-// there are references in all, although nothing nests deeper than the definitions are many.
+// The check enters a definition of a tangle again through each of its references. So there are as
+// many levels as references in all, although there are only few definitions.
 TEST(DefinitionNesting, ASmallTangleOfLoopsIsReportedAsLoopsOnly)
 {
     const DiagnosticCapture capture;
@@ -263,7 +263,7 @@ TEST(DefinitionNesting, AVeryLargeTangleOfLoopsDoesNotTakeTheStack)
     });
 }
 
-// T0 is a DIGIT, T1 names T0 twice, T2 names T1 twice ... Tn comes to 2^(n + 2) - 3 terms.
+// T0 is a DIGIT, T1 names T0 twice, T2 names T1 twice ... Tn has 2^(n + 2) - 3 terms.
 void defineDoublings(MainClass* converter, int count)
 {
     define(converter, numbered(0), QStringLiteral("DIGIT"));
@@ -275,13 +275,14 @@ TEST(DefinitionNesting, DoublingsAreRefusedFromTheOneThatComesToTooManyTerms)
 {
     const DiagnosticCapture capture;
     MainClass converter(nullptr);
-    constexpr int Count = 100; // without the limit no look at the last one would ever end
-    constexpr int Kept = 15;   // T14 comes to 65533 terms
+    constexpr int Count = 100; // without the limit, checking the last one would never end
+    constexpr int Kept = 15;   // T14 has 65533 terms
     defineDoublings(&converter, Count);
     converter.termsList_checkConfig();
     EXPECT_EQ(converter.termsList.size(), Kept);
     EXPECT_NE(converter.termsList.search(numbered(Kept - 1)), nullptr);
-    // The next one is refused for what it comes to, those behind it for want of the one before.
+    // The next one is refused for its size, and each one after it because the one before is
+    // missing.
     EXPECT_EQ(capture.reportedTexts().mid(0, 5),
               (QStringList{QStringLiteral("references written out come to more than 100000 terms"),
                            Removed, QStringLiteral("variable T15 not found"),

@@ -82,7 +82,7 @@ private:
     char* m_data;
 };
 
-// Logs when it goes away.
+// Logs its destruction.
 class Witness
 {
 public:
@@ -156,7 +156,7 @@ TEST_F(EntryPoints, InitReturns1ForAMalformedSettingsFile)
                     path.toStdString() + "\" "});
 }
 
-// Qt looks at the lines of a group only when it is asked for a key; what it cannot read has no
+// Qt reads the lines of a group only when it is asked for a key; a line that it cannot read has no
 // value.
 TEST_F(EntryPoints, InitReturns2ForASettingsFileOfOtherText)
 {

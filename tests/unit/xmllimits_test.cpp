@@ -109,7 +109,7 @@ TEST(XmlLimits, AnEncodingInWhichTagsLookOtherwiseHidesNoElements)
     QByteArray content = nested(MaxDepth + 1);
     content.replace('<', "+ADw-").replace('>', "+AD4-");
     content = "<?xml version='1.0' encoding='UTF-7'?>\n" + content;
-    QDomDocument document; // whether this Qt knows the encoding is up to its build
+    QDomDocument document; // some builds of Qt know the encoding, others do not
     EXPECT_EQ(firstExcess(content).has_value(), document.setContent(content));
 }
 
@@ -238,7 +238,7 @@ TEST(XmlLimits, AFileOfAHundredThousandOpenElementsIsReportedAtOnce)
     }
 }
 
-// Of the levels, three are the root, the record and the element with its text.
+// Three of the levels are the root, the record and the element with its text.
 TEST(XmlLimits, TheDeepestFileIsLoadedWithLittleStack)
 {
     runWithSmallStack([] {
