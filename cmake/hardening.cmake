@@ -1,8 +1,8 @@
-# Flags that make faults of memory harder to use against the process which the library works in: they
-# end the process where one happens, and take away what an attacker would build on.
+# Flags that make memory errors harder to exploit: they end the process when such an error happens, and
+# remove what an attack needs.
 #
-# They live on a target of their own, for the library and the command; those who use the library keep
-# their own flags. What the compiler or the processor does not have is left out.
+# They are on a target of their own, for the library and the command; programs that use the library keep
+# their own flags. A flag that the compiler or the processor does not have is left out.
 include(CheckCXXCompilerFlag)
 include(CheckCXXSourceCompiles)
 include(CheckPIESupported)
@@ -21,8 +21,8 @@ target_compile_options(adexp_hardening INTERFACE
     $<$<BOOL:${ADEXP_HAS_STACK_CLASH_PROTECTION}>:-fstack-clash-protection>
     $<$<BOOL:${ADEXP_HAS_CF_PROTECTION}>:-fcf-protection=full>)
 
-# Checked copies need an optimised build, and AddressSanitizer has checks of its own. Older systems warn
-# that they know level 2 only.
+# Checked copies need an optimised build, and AddressSanitizer has checks of its own. Older systems know
+# only level 2 and would warn.
 if(NOT ADEXP_SANITIZE)
     set(CMAKE_REQUIRED_FLAGS "-O2 -Werror -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=3")
     check_cxx_source_compiles("#include <cstring>\nint main() {}" ADEXP_HAS_FORTIFY_3)

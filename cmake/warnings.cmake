@@ -1,5 +1,5 @@
-# The warnings of the project's own code. They live on a target of their own, so that they never
-# reach those who use the library.
+# The warnings for the project's own code. They are on a target of their own, so that they never apply to
+# programs that use the library.
 add_library(adexp_warnings INTERFACE)
 target_compile_options(adexp_warnings INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion

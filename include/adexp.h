@@ -37,17 +37,17 @@ extern "C" {
  *
  * iniPath  path of the settings file (ini format) as UTF-8; it needs no terminating NUL. The path
  *          ":/adexp/adexp.ini" names the rule set that is compiled into the library. A relative
- *          path is taken from the working directory, and so are the four paths in the file.
+ *          path starts at the working directory, and so do the four paths in the file.
  *          Null: "adexp.ini". The caller keeps the memory.
  * length   length of iniPath in bytes; less than 1: "adexp.ini".
  *
  * Returns
  *   0  the rule set is loaded (single definitions may have been refused, each with a report);
  *   1  the settings file cannot be read as an ini file; nothing is loaded;
- *   2  one of the four rule files cannot be read, or memory ran out: what was loaded before
- *      that stays in use. A settings file that does not exist ends here too, since it names no
- *      rule file.
- * After every return convert_from_adexp() and clear_adexp() may be called.
+ *   2  one of the four rule files cannot be read, or memory ran out; everything loaded before that
+ *      stays in use. A settings file that does not exist gives 2 as well, since it names no rule
+ *      file.
+ * convert_from_adexp() and clear_adexp() may be called after every return.
  */
 ADEXP_EXPORT int init_adexp(const char* iniPath, int length);
 
@@ -57,21 +57,21 @@ ADEXP_EXPORT void clear_adexp(void);
 /* Converts one message. Without a converter, init_adexp(NULL, 0) is called first.
  *
  * text       the message as UTF-8; the caller keeps the memory. Null: no result.
- * length     length of text in bytes. A value above 2147483647 stands for "up to the first NUL".
+ * length     length of text in bytes. A value above 2147483647 means "up to the first NUL".
  * outLength  if not null, receives the length of the result in bytes without its terminating NUL;
  *            0 when there is no result.
  *
- * Returns the XML document as UTF-8, ended by a NUL byte, in memory that the caller owns and gives
- * back with free_adexp(). Returns null when there is no document: no "-TITLE" in the message, no
- * rule for the word after it, or memory ran out (as it does for a document of 4 GiB and more, whose
- * length outLength cannot tell). Everything else that is wrong with a message is reported and still
- * gives a document.
+ * Returns the XML document as UTF-8 with a terminating NUL. The caller owns it and releases it with
+ * free_adexp(). Returns null if there is no document: the message has no "-TITLE", there is no rule
+ * for the word after it, or memory ran out (a document of 4 GiB or more counts as that, since its
+ * length does not fit into outLength). All other errors in a message are reported, and there still
+ * is a document.
  */
 ADEXP_EXPORT const char* convert_from_adexp(const char* text, unsigned int length,
                                             unsigned int* outLength);
 
-/* Releases a result of convert_from_adexp(). Null is allowed. C++ programs that share the runtime
- * library with adexp may use delete[] instead. */
+/* Releases a result of convert_from_adexp(). Null is allowed. C++ programs that use the same
+ * runtime library as adexp may use delete[] instead. */
 ADEXP_EXPORT void free_adexp(const char* document);
 
 #ifdef __cplusplus

@@ -6,7 +6,7 @@ FOLDER = "folder"
 DEFINITION = "definition"
 NOTHING = "none"
 
-# What the placeholders of the help stand for. Others are not completed.
+# What the placeholders in the help mean. Others are not completed.
 KINDS = {
     "FILE": FILE,
     "FOLDER": FOLDER,
@@ -179,7 +179,7 @@ def zsh_option(entry):
     excluded = " ".join(name for name in entry.names + entry.excludes if name.startswith("-"))
     text = f"[{zsh_quoted(entry.text, '[]')}]" + \
         (zsh_action(entry.value, entry.choices) if entry.value else "")
-    # "+": the value may follow at once; "=": behind an equals sign.
+    # "+": the value may follow directly; "=": after an equals sign.
     names = [name + ("=" if name.startswith("--") else "+") * bool(entry.value)
              for name in entry.names]
     return [f"'({excluded}){name}{text}'" for name in names]

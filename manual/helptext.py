@@ -1,5 +1,5 @@
-"""Reads what `adexp --help` and `adexp SUBCOMMAND --help` print: what manual pages and completions say
-about a command is taken from there, so that it is written in one place."""
+"""Reads what `adexp --help` and `adexp SUBCOMMAND --help` print. Manual pages and completions are made
+from it, so that everything about a command is written in one place."""
 import re
 import statistics
 import subprocess

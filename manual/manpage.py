@@ -5,7 +5,7 @@ import textwrap
 
 from helptext import EXAMPLES, EXIT_STATUS, OPTIONS, POSITIONALS, SUBCOMMANDS
 
-# What would be taken for markup, or printed as another character than the one to type.
+# Characters that would be read as markup, or printed as a different character.
 SPECIAL = {"\\": r"\e", "-": r"\-", "'": r"\(aq", "`": r"\(ga", "^": r"\(ha", "~": r"\(ti"}
 
 

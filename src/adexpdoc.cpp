@@ -44,7 +44,7 @@ void AdexpDoc::setRootField(const RuleList* rules)
     currWordListIt = wordList.cbegin();
 
     // Placeholders for the values of a message's envelope, which the library never sees. They are
-    // the same in every document, and this is meant.
+    // the same in every document; pinned by `OutputDocument.HoldsHeaderFieldsAndMessage`.
     msgParam.rating = QStringLiteral(u"ГГ");
     msgParam.to = QStringLiteral(u"БУДУТ_АДРЕСА_КОМУ");
     msgParam.datatime = QStringLiteral(u"БУДЕТ_ДАТА_ВРЕМЯ");
@@ -154,7 +154,7 @@ QStringView AdexpDoc::getNextField(int limit, int* beginPoint)
     return {};
 }
 
-// A view that lives as long as the document.
+// The view is valid as long as the document.
 QStringView AdexpDoc::joinedWithHyphen(QStringView keyword)
 {
     const auto size = static_cast<size_t>(keyword.size()) + 1;
@@ -235,7 +235,7 @@ int AdexpDoc::searchEndBlock(QStringView blockName, int limit, int* endWordPoint
         reportLoneHyphen(textOf(&word(hyphen)));
     if (found.nameWord == -1) {
         if (cursor <= m_endBlocks->nullWord()) {
-            // What the two operations that read on to the null word say.
+            // Reading on to the null word would give these two reports.
             DiagnosticLine::internalError(SetIteratorSignature, NullWord);
             DiagnosticLine::internalError(GetNextFieldSignature, NullWord);
         }
@@ -288,7 +288,7 @@ void AdexpDoc::report(QStringView place, const QString& message, QStringView det
     line.send(finding);
 }
 
-// The detail, if it was cut out of the text, else what was read last.
+// The detail if it is a part of the text, otherwise what was read last.
 QStringView AdexpDoc::placeOf(QStringView detail) const
 {
     const QStringView text(msgParam.text);

@@ -20,7 +20,7 @@
 /// The header values of a message, and its text.
 struct MsgParam
 {
-    QString title;    ///< the word behind -TITLE
+    QString title;    ///< the word after -TITLE
     QString rating;   ///< written to the attribute of the same name, as are the next three
     QString to;       ///< addressees
     QString datatime; ///< date and time
@@ -32,14 +32,14 @@ struct MsgParam
 /// fields.
 ///
 /// All positions ("points") count UTF-16 units of the text without carriage returns, from 0. Words,
-/// field names and field data are views into that text (a keyword put together from a lone hyphen
-/// and a word: into a copy that the document holds); they and all fields live as long as the
-/// document.
+/// field names and field data are views into that text. (A keyword that was joined from a lone
+/// hyphen and a word is a view into a copy that the document holds.) The views and all fields are
+/// valid as long as the document.
 class AdexpDoc
 {
-    // Words and fields, and what they hold, come from here and go away together: fields are not
-    // destroyed one by one. The first bytes serve a usual message without any memory of the heap.
-    // It stands before all that uses it.
+    // The memory of words and fields, and of what they hold. It is released all at once: fields are
+    // not destroyed one by one. The first bytes are enough for a usual message, without the heap.
+    // Declared before every member that uses it.
     alignas(std::max_align_t) std::array<std::byte, 24576> m_firstMemory;
     std::pmr::monotonic_buffer_resource m_arena;
 
@@ -50,9 +50,9 @@ public:
     AdexpDoc(const AdexpDoc&) = delete;
     AdexpDoc& operator=(const AdexpDoc&) = delete;
 
-    /// Finds "-TITLE", chooses the rule among @p rules (may be null, not owned) by the word behind
-    /// it and makes the root field over the rest of the message. Without "-TITLE" there is no root.
-    /// Called again, it starts from the first word.
+    /// Finds "-TITLE", chooses the rule among @p rules (may be null, not owned) by the word after
+    /// it and makes the root field for the rest of the message. Without "-TITLE" there is no root.
+    /// A second call starts again from the first word.
     void setRootField(const RuleList* rules);
 
     /// The first of @p rules (may be null) whose title equals @p title exactly; null if none does.
@@ -65,20 +65,20 @@ public:
     XmlDocument toXMLString();
 
     /// @name Cursor
-    /// A word or field is delivered only if it begins at or before @p limit. Null means none was.
+    /// A word or field is returned only if it begins at or before @p limit; otherwise null.
     /// @{
 
     /// The next word, whatever it is. @p beginPoint (may be null) receives its position.
     QStringView getNextWord(int limit, int* beginPoint);
 
-    /// Steps back one word; reported if there is none.
+    /// Steps back one word; reports an internal error if there is none.
     void undoGetNextWord();
 
-    /// The next field word with its hyphen. Words before it are reported and passed over. A lone
-    /// hyphen is joined with the word that follows, at whose position @p beginPoint then lies.
+    /// The next field word with its hyphen. Words before it are reported and skipped. A lone hyphen
+    /// is joined with the word that follows; @p beginPoint is then the position of that word.
     QStringView getNextField(int limit, int* beginPoint);
 
-    /// Moves to the next field word at or behind @p startPoint, or to the word that crosses
+    /// Moves to the next field word at or after @p startPoint, or to the word that crosses
     /// @p endPoint (0 or less: no end). Returns the position where the data before it ends.
     int setIteratorToNextField(int startPoint, int endPoint);
 
@@ -88,16 +88,16 @@ public:
     /// The trimmed text from the current word to the next field word or @p endPoint.
     QStringView getTextFromCurrentToField(int endPoint);
 
-    /// Moves to the next field word at or behind @p point, or to the word that crosses it.
+    /// Moves to the next field word at or after @p point, or to the word that crosses it.
     void ignoreTextFromCurrentToPoint(int point);
 
-    /// Position behind the word before the cursor; -1 if nothing was read yet.
+    /// Position after the word before the cursor; -1 if nothing was read yet.
     int getLastDWTextEndPoint() const;
 
     /// Looks ahead for "-END" followed by @p blockName, without moving the cursor. Returns the
-    /// position behind the name, and in @p endWordPoint (may be null) that of the "-END" word; -1
-    /// if it is not there. Blocks of the same name do not nest: the first "-END" counts. What is
-    /// wrong on the way is reported, here as well as when it is read.
+    /// position after the name, and in @p endWordPoint (may be null) that of the "-END" word; -1 if
+    /// there is none. Blocks of the same name do not nest: the first "-END" counts. Errors that the
+    /// search passes are reported here, and again when they are read.
     int searchEndBlock(QStringView blockName, int limit, int* endWordPoint);
 
     /// @}
@@ -106,17 +106,17 @@ public:
     void addError(const QString& message, QStringView detail);
     /// Does exactly what addError() does.
     void addWarning(const QString& message, QStringView detail);
-    /// Reports what addError() reports. For observers the place of the error is @p place, a part of
-    /// the text or empty; with the two operations before it is that of the detail, if that is a
-    /// part of the text, else lastRead().
+    /// Reports the same line as addError(). Observers are told @p place, a part of the text or
+    /// empty, as the place of the error. From addError() and addWarning() they get the place of the
+    /// detail, or lastRead() if the detail is not a part of the text.
     void addErrorAt(QStringView place, const QString& message, QStringView detail);
 
     /// The part of the text from the field word that getNextField() took last to the word read
     /// last; empty if nothing was read yet.
     QStringView lastRead() const;
 
-    /// Makes a field that lives as long as the document. It is never destroyed, its memory just
-    /// goes away with the document's: an AdexpField holds nothing but views and memory of arena().
+    /// Makes a field that is valid as long as the document. It is never destroyed; its memory is
+    /// released with that of the document. An AdexpField holds only views and memory of arena().
     template <typename... Args>
     AdexpField* createField(Args&&... args)
     {
@@ -131,7 +131,8 @@ public:
     /// The memory of the fields and what they hold; released with the document.
     std::pmr::memory_resource* arena() { return &m_arena; }
 
-    /// @p data copied and ended by a null character, for the terms. Valid until the next call.
+    /// A copy of @p data with a null character at its end, for the terms. Valid until the next
+    /// call.
     const QChar* nullTerminated(QStringView data);
 
     WordList wordList{&m_arena};                  ///< the words in text order

@@ -17,11 +17,11 @@ constexpr QStringView LoopDetected = u"loop detected in the AdexpField";
 
 } // namespace
 
-// The stretch of a block; of a plain field nothing but the defaults.
+// Where a block ends; a plain field has the defaults.
 struct AdexpField::Block
 {
-    int end = -1;     // behind the name that follows "-END"
-    int textEnd = -1; // of the "-END" word
+    int end = -1;     // position after the name that follows "-END"
+    int textEnd = -1; // position of the "-END" word
 
     bool isList() const { return end != -1; }
 };
@@ -135,7 +135,8 @@ AdexpField::Next AdexpField::parseBegin(int fieldPos)
 {
     const QStringView name = doc->getNextWord(endBlockPoint, nullptr);
     if (name.isEmpty()) {
-        // The "с" of "bloсk" is the Cyrillic letter; users know the text in this form, it is meant.
+        // The "с" of "bloсk" is the Cyrillic letter, and stays so: users know the text in this
+        // form; pinned by `FieldTree.BeginAsLastWordIsReported`.
         doc->addError(QObject::tr("the bloсk is empty"), {});
         return Next::Stop;
     }
@@ -151,7 +152,7 @@ AdexpField::Next AdexpField::parseUnendedBlock(QStringView name, int fieldPos)
     doc->addError(QObject::tr("not found the end of the block"), u"-END");
     if (!parentField)
         return Next::Continue;
-    // Inside another field, all the rest of that field's stretch becomes the data of the block.
+    // Inside another field, the block takes all the rest of that field as its data.
     AdexpField* const sub = doc->createField(this, name);
     sub->fieldData = doc->getTextFromCurrentToPoint(endTextPoint, endBlockPoint);
     doc->ignoreTextFromCurrentToPoint(endBlockPoint);
@@ -166,7 +167,7 @@ AdexpField::Next AdexpField::parseEnd()
     if (isList) {
         const QStringView end = doc->getNextWord(endBlockPoint, nullptr);
         endWithLastWord();
-        if (end.isEmpty()) // the spelling is meant
+        if (end.isEmpty()) // "wich" is pinned by `FieldTree.MissingNameBehindEndIsReported`
             doc->addErrorAt(doc->lastRead(), QObject::tr("end block wich out word"), fieldName);
         else if (end != fieldName)
             doc->addError(QObject::tr("end block %1 but wait %2")
@@ -222,7 +223,7 @@ void AdexpField::parseUnknownField(QStringView name, int fieldPos, const Block& 
     subFieldsListAppend(sub);
 }
 
-// Gives the field word just read back, for the parent to look up among its own fields.
+// Puts the field word that was read last back: the parent looks it up among its own fields.
 AdexpField::Next AdexpField::leaveToParent()
 {
     doc->currWordListIt = doc->lastFieldWordListIt;
@@ -258,7 +259,8 @@ void AdexpField::parseBasicField()
     }
     if (matched >= fieldData.size())
         return;
-    // Neither finding makes the field an unknown one: it keeps its definition. This is meant.
+    // The field keeps its definition with either report; pinned by
+    // `BasicField.SurplusDataIsReportedAndDropped` and `BasicField.IncorrectDataIsReportedAndKept`.
     if (matched > 0) {
         doc->addWarning(fieldName.toString() + u' ' +
                             QObject::tr("field contains the extra data is not described in Rule"),
@@ -297,8 +299,8 @@ QString AdexpField::getData(bool* isSimple)
         const QScopedValueRollback<bool> guard(inGetData, true);
         for (AdexpField* sub : subFields) {
             bool subIsSimple = false;
-            // Sub-fields with data are left out, those without give their names. It looks the wrong
-            // way round, and it is meant.
+            // Sub-fields with data are left out, and those without data give their names, not the
+            // other way round; pinned by `FieldData.LeavesOutSubFieldsWithData`.
             if (!sub->getData(&subIsSimple).isEmpty())
                 continue;
             if (result.isEmpty())

@@ -35,7 +35,7 @@ const char* settingsErrorText(QSettings::Status status)
 InitResult load(const QString& path)
 {
     delete mc;
-    mc = nullptr; // until there is memory for the next one
+    mc = nullptr; // stays null if there is no memory for the next one
     QtMemory::requireForSettings(path);
     mc = new MainClass(nullptr);
     QSettings settings(path, QSettings::IniFormat);
@@ -49,7 +49,7 @@ InitResult load(const QString& path)
 
 QString decode(const char* text, unsigned int length)
 {
-    // A length above INT_MAX, negative as a signed number, stands for text up to the first NUL.
+    // A length above INT_MAX (a negative signed number) means: up to the first NUL.
     if (length <= INT_MAX)
         return QString::fromUtf8(text, static_cast<int>(length));
     const size_t textLength = std::strlen(text);
@@ -58,10 +58,11 @@ QString decode(const char* text, unsigned int length)
     return QString::fromUtf8(text, static_cast<int>(textLength));
 }
 
-// The result for the caller: the bytes, a terminating NUL, made with new[]. Null if there are none.
+// The result for the caller: the bytes and a terminating NUL, allocated with new[]. Null if there
+// are none.
 const char* giveToCaller(XmlDocument document, unsigned int* outLength)
 {
-    if (document.size() > UINT_MAX) // outLength could not tell it
+    if (document.size() > UINT_MAX) // the size does not fit into outLength
         throw std::bad_alloc();
     if (outLength)
         *outLength = static_cast<unsigned int>(document.size());
@@ -70,10 +71,10 @@ const char* giveToCaller(XmlDocument document, unsigned int* outLength)
 
 } // namespace
 
-// No exception leaves these functions: what Qt and the standard library throw is std::bad_alloc.
-// What ends a thread inside a call (a cancellation, pthread_exit() in a message handler) is no
-// exception, although it can be caught: the process ends if it is not passed on. What is caught
-// then is a reference to nothing, which the sanitizer would report.
+// No exception leaves these functions: Qt and the standard library throw only std::bad_alloc.
+// A thread may end inside a call (by cancellation, or by pthread_exit() in a message handler). That
+// is no exception, although it can be caught: the process ends if it is not thrown on. The caught
+// object is then a reference to nothing, which the sanitizer would report.
 #define CATCHES_FORCED_UNWIND __attribute__((no_sanitize("null")))
 
 CATCHES_FORCED_UNWIND int init_adexp(const char* iniPath, int length)
@@ -100,7 +101,7 @@ try {
     if (!text)
         return nullptr;
     if (!mc)
-        init_adexp(nullptr, 0); // whatever it could load is used
+        init_adexp(nullptr, 0); // what it could load is used, even after an error
     if (!mc)
         return nullptr; // no memory
     return giveToCaller(mc->charAdexpToCharXml(decode(text, length)), outLength);

@@ -7,8 +7,8 @@
 
 /// The character classes of ADEXP as bits, for the standard terms.
 ///
-/// Characters below 128, of which nearly all of a message consists, are looked up in a table; Qt's
-/// Unicode tables are asked about the others.
+/// Nearly all characters of a message are below 128. They are looked up in a table, the others in
+/// Qt's Unicode tables.
 namespace CharClass {
 
 enum Bit : unsigned char {
@@ -46,7 +46,7 @@ constexpr std::array<unsigned char, 128> makeAsciiTable()
 
 inline constexpr std::array<unsigned char, 128> AsciiTable = makeAsciiTable();
 
-/// The bits of @p c that Qt's tables give.
+/// The bits of @p c by Qt's tables.
 inline unsigned char unicodeBits(QChar c)
 {
     if (c.category() == QChar::Letter_Uppercase)

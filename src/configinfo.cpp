@@ -29,8 +29,8 @@ QString ConfigInfo::xmlErrorHeadShort() const
 QString ConfigInfo::xmlErrorHead() const
 {
     QString head = QObject::tr("element");
-    // Without a name nothing stands between "element" and "file": users' scripts know the head in
-    // this form, it is meant.
+    // Without a name nothing stands between "element" and "file". Scripts of users expect this
+    // form; pinned by `ConfigInfo.FullHeadOfRecordWithoutNameRunsTogether`.
     if (!recordName.isEmpty())
         head += QLatin1String(" (") + recordName + QLatin1String(") ");
     return head + xmlErrorHeadShort() + QObject::tr(": ");

@@ -5,7 +5,7 @@
 
 class QDomElement;
 
-/// Where an item of the rule set was defined, and what it says.
+/// Where an item of the rule set was defined, and its text.
 ///
 /// The loaders fill one per XML record; every term built from the record keeps a copy, so that each
 /// report about the rule set can name the file, line and column to look at.
@@ -18,9 +18,9 @@ public:
     int columnNumber = 0; ///< column of the record's element, as QDomNode counts it
     QString recordName;   ///< name (of a message rule: title) of the record, in upper case
     QString ruleText;     ///< expression text of the record or of the sub-term, in upper case
-    int textBegin = 0; ///< where ruleText stands in the simplified expression of the record, from 0
+    int textBegin = 0; ///< position of ruleText in the simplified expression of the record, from 0
 
-    /// Sets the file that the record stands in.
+    /// Sets the file of the record.
     void setXMLFile(const QString& file);
 
     /// Takes line, column and tag from @p element (not null, not kept). File, name and rule text

@@ -31,7 +31,7 @@ DefinitionNesting::Extent DefinitionNesting::extentOf(const TermStd* term)
                 return extent;
             continue;
         }
-        // The reference stays in its place until the term it names is known.
+        // The reference stays on the list until the extent of its target is known.
         const Reference& reference = top.references.back();
         const TermStd* const target = m_terms->search(reference.name);
         if (target && m_extents.count(target) == 0) {
@@ -45,7 +45,6 @@ DefinitionNesting::Extent DefinitionNesting::extentOf(const TermStd* term)
     }
 }
 
-// Brackets are bounded by the compiler, so this recursion is.
 bool DefinitionNesting::isWithinLimits(const TermStd* term)
 {
     const Extent extent = extentOf(term);
@@ -61,6 +60,7 @@ bool DefinitionNesting::isWithinLimits(const TermStd* term)
     return true;
 }
 
+// The recursion is bounded: the compiler limits the nesting of brackets.
 void DefinitionNesting::collect(const TermStd* term, int level, Definition* definition)
 {
     Extent& extent = definition->extent;

@@ -8,36 +8,37 @@
 #include <unordered_map>
 #include <vector>
 
-/// Tells how deep definitions nest, brackets and references to other definitions taken together,
-/// and of how many terms they come to.
+/// Tells how deep definitions nest (brackets and references to other definitions counted together),
+/// and how many terms they have with all references written out.
 ///
-/// Checking and matching go from term to term by calls, so a chain of definitions as long as a file
-/// can hold would take all of the stack. And thirty definitions that name the one before twice come
-/// to a thousand million terms. Therefore both are found out before, with a stack of its own and
-/// with one look at each definition.
+/// Checking and matching are recursive, so a long chain of definitions would use up the stack. And
+/// thirty definitions that each name the one before twice have a thousand million terms. Both are
+/// therefore computed before the check, with an explicit stack, and each definition is visited
+/// once.
 class DefinitionNesting
 {
 public:
-    /// What a definition is with all that it refers to written out.
+    /// The size of a definition with all its references written out.
     struct Extent
     {
-        int depth = 0; ///< the levels of calls that it takes: 0 for a standard term
-        int terms = 0; ///< more than MaxTerms are told as MaxTerms + 1
+        int depth = 0; ///< levels of nesting: 0 for a standard term
+        int terms = 0; ///< number of terms; MaxTerms + 1 stands for any number above MaxTerms
     };
 
-    /// The most terms that a definition may come to. It bounds what one look at a definition costs;
-    /// those of the published format, messages included, come to less than 5000.
+    /// The most terms that a definition may have with its references written out. It limits the
+    /// time of a check. The definitions of the published format, messages included, have less than
+    /// 5000.
     static constexpr int MaxTerms = 100000;
 
-    /// Looks names up in @p terms (not null, not owned), which must stay.
+    /// Looks names up in @p terms (not null, not owned), which must outlive this object.
     explicit DefinitionNesting(const TermList* terms);
 
-    /// The extent of @p term (not null). A reference back to a definition that is still being
-    /// counted (a loop, which the check reports) counts as nothing.
+    /// The extent of @p term (not null). A reference to a definition that is still being counted is
+    /// a loop, which the check reports; it counts as nothing.
     Extent extentOf(const TermStd* term);
 
-    /// False, after a report, if @p term (not null) nests so deep, or comes to so much, that it is
-    /// not safe to check it.
+    /// False, after a report, if @p term (not null) nests too deep or has too many terms to be
+    /// checked safely.
     bool isWithinLimits(const TermStd* term);
 
 private:

@@ -8,9 +8,9 @@
 
 /// One line for Qt's message output, built item by item and sent once.
 ///
-/// Every item is followed by one blank, the last one included; a quoted item stands between double
-/// quotes with nothing in it escaped. Scripts read these lines, and QDebug does not keep their form
-/// over the Qt versions (it escapes quotes and drops the last blank), therefore they are built
+/// Every item is followed by one blank, also the last one. A quoted item stands between double
+/// quotes; nothing in it is escaped. Scripts read these lines, so their form must not change.
+/// QDebug does not keep it (it escapes quotes and drops the last blank), so the lines are built
 /// here.
 class DiagnosticLine
 {
@@ -21,18 +21,18 @@ public:
 
     /// Appends an item as it is.
     DiagnosticLine& plain(QStringView item);
-    /// Appends an item as it is; ASCII, ended by a NUL.
+    /// Appends an item as it is; it is ASCII and ends with a NUL.
     DiagnosticLine& plain(const char* item);
     /// Appends a decimal number.
     DiagnosticLine& number(qint64 item);
     /// Appends an item between double quotes.
     DiagnosticLine& quoted(QStringView item);
 
-    /// Hands the line to Qt's message output in the default category. The observer, if there is
-    /// one, is told the line as the text of a finding without a place.
+    /// Sends the line to Qt's message output in the default category. The observer, if there is
+    /// one, gets the line as the text of a finding without a place.
     void send() const;
 
-    /// The same, but the observer is told @p finding.
+    /// The same, but the observer gets @p finding.
     void send(const Finding& finding) const;
 
     /// Sends the critical line of a broken invariant: the full signature of the operation that

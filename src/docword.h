@@ -7,20 +7,20 @@
 #include <memory_resource>
 #include <vector>
 
-/// A word of the message: what stands between blanks, line feeds and tabs.
+/// A word of the message: the characters between blanks, line feeds and tabs.
 ///
-/// Eight bytes without the characters themselves, because a message may have a word for every
-/// second character.
+/// Only eight bytes, without the characters themselves: in a message every second character may be
+/// a word.
 struct DocWord
 {
     int beginPoint;           ///< position of its first character in the message
     unsigned int size : 31;   ///< its UTF-16 units, at least one
-    unsigned int isField : 1; ///< it begins with a hyphen, and so a field
+    unsigned int isField : 1; ///< it begins with a hyphen, so a field begins with it
 
     /// True for DocWord(), which is no word. A list that holds it is broken.
     bool isNull() const { return size == 0; }
 
-    /// Position behind the last character.
+    /// Position after the last character.
     int endPoint() const { return beginPoint + static_cast<int>(size); }
 
     void setEndPoint(int point) { size = static_cast<unsigned>(point - beginPoint) & 0x7fffffff; }

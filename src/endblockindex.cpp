@@ -29,8 +29,7 @@ EndBlockIndex::EndBlockIndex(const WordList* words, QStringView message,
     }
 }
 
-// Is the field word something to a look ahead? An end or a hyphen that the text ends behind is
-// nothing.
+// Does a search stop at the field word? Not at an "-END" or a hyphen that is the last word.
 bool EndBlockIndex::isStop(int index, Stop* stop) const
 {
     const auto isWord = [this](int i) {
@@ -50,7 +49,7 @@ bool EndBlockIndex::isStop(int index, Stop* stop) const
     return textOf(index + 1) == u"END" && isWord(index + 2);
 }
 
-// Does a look ahead that starts before the run pass here, or is this a name to it?
+// Does a search that starts before the run read this as an end? Otherwise it is a name for it.
 bool EndBlockIndex::isOnTheWay(size_t stop) const
 {
     return (stop - m_stops[stop].runStart) % 2 == 0;
@@ -70,7 +69,7 @@ EndBlockIndex::Result EndBlockIndex::search(int cursor, QStringView name, int li
                          [](const Stop& stop, int wordIndex) { return stop.word < wordIndex; });
     const auto first = static_cast<size_t>(start - m_stops.cbegin());
 
-    // Through the run in which the search starts, if it does.
+    // If the search starts inside a run: word by word to the end of the run.
     size_t stop = first;
     size_t end = m_stops.size(); // of the block
     while (stop < m_stops.size() && m_stops[stop].runStart < first) {
@@ -84,7 +83,7 @@ EndBlockIndex::Result EndBlockIndex::search(int cursor, QStringView name, int li
         const bool takesNext = stop + 1 < m_stops.size() && nameWord(s) == m_stops[stop + 1].word;
         stop += takesNext ? 2 : 1;
     }
-    // From there on the way is the same for all.
+    // From here on all searches see the same.
     if (const auto ends = m_ends.find(name); end == m_stops.size() && ends != m_ends.cend()) {
         const auto found = std::lower_bound(ends->second.cbegin(), ends->second.cend(), stop);
         if (found != ends->second.cend())

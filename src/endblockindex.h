@@ -11,46 +11,45 @@
 
 /// Finds the end of a block without reading the message again for each "-BEGIN".
 ///
-/// Looking ahead reads field after field and takes the word behind each "-END" as its name, so
-/// where it passes depends on where it starts: in "-END -END A" the second word is a name for who
-/// starts at the first word, and an end of its own for who starts at the second. But that only
-/// matters inside a run of ends that are names as well; from the end of the run on, all ways are
-/// one. The index holds the ends on that one way by name, and search() walks through the run in
-/// which it starts.
+/// A search reads field after field and takes the word after each "-END" as its name. So what it
+/// finds depends on where it starts: in "-END -END A" the second word is a name if the search
+/// starts at the first word, and an end if it starts at the second. This matters only inside a run
+/// of ends that may be names as well. After the run all searches see the same ends. The index holds
+/// these by name; search() goes through the run in which it starts word by word.
 class EndBlockIndex
 {
 public:
-    /// An index over @p words (not owned) of @p message, which both must stay, up to the first null
-    /// among them. It takes its memory from @p arena, which must stay as well.
+    /// An index over @p words (not owned) of @p message, up to the first null word. It takes its
+    /// memory from @p arena. All three must outlive the index.
     EndBlockIndex(const WordList* words, QStringView message, std::pmr::memory_resource* arena);
 
-    /// The index of the first null among the words, where each look ahead stops; -1: there is none.
+    /// The index of the first null word, where every search stops; -1: there is none.
     int nullWord() const { return m_nullWord; }
 
     struct Result
     {
         int endWord = -1;  ///< index of the "-END" word (of the hyphen, if it stands alone)
-        int nameWord = -1; ///< index of the name; -1: the end of the block is not there
-        std::vector<int> loneHyphens; ///< indexes of hyphens without a keyword, passed on the way
+        int nameWord = -1; ///< index of the name; -1: the block has no end
+        std::vector<int> loneHyphens; ///< indexes of the hyphens without a keyword before it
     };
 
-    /// Looks from the word @p cursor (an index) on for the end of the block @p name, up to the
+    /// Searches for the end of the block @p name, from the word with the index @p cursor up to the
     /// position @p limit.
     Result search(int cursor, QStringView name, int limit) const;
 
 private:
     enum class Kind : unsigned char { End, LoneHyphen };
 
-    // A field word that a look ahead does not just pass.
+    // A field word at which a search has to do something.
     struct Stop
     {
         int word;                 // its index
-        size_t runStart;          // first of the ends right before it, each the name of the last
-        unsigned char nameOffset; // of an end: from its index to that of its name
+        size_t runStart;          // first end of its run: each is followed by the next as its name
+        unsigned char nameOffset; // of an end: the index of its name minus its own index
         Kind kind;
     };
 
-    // Any order does. This one sees most names apart by their length.
+    // Any order will do. This one tells most names apart by their length.
     struct Less
     {
         bool operator()(QStringView a, QStringView b) const
@@ -74,7 +73,8 @@ private:
     QStringView m_message;
     std::pmr::vector<Stop> m_stops;
     int m_nullWord = -1;
-    // Those on the way, as indexes into m_stops: the ends by name, and the hyphens.
+    // What a search sees that starts outside of runs, as indexes into m_stops: ends by name, and
+    // hyphens.
     std::pmr::map<QStringView, std::pmr::vector<size_t>, Less> m_ends;
     std::pmr::vector<size_t> m_loneHyphens;
 };

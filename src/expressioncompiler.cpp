@@ -12,11 +12,11 @@
 
 namespace {
 
-// The text of a separator that the compiler has put between two terms.
+// The text of a separator that the compiler inserts between two terms.
 constexpr const char* InsertedSeparator = "AUTOSEP";
 
-// True for the characters that no word of an expression holds. Texts of records may hold any white
-// space, before it is simplified to blanks.
+// True for the characters that end a word of an expression. White space of any kind is among them,
+// since the text of a record is not simplified yet.
 bool endsWord(QChar c)
 {
     switch (c.unicode()) {
@@ -72,8 +72,8 @@ void ExpressionCompiler::fullExprList()
     }
 }
 
-// Makes room for the terms at once. Nearly every term stands behind a blank, and a separator before
-// it. Without this a tenth of the loading of a large rule set went into lists that grow.
+// Reserves memory for all terms at once. Nearly every term follows a blank, which stands for a
+// separator. Without this a tenth of the loading time of a large rule set went into growing lists.
 void ExpressionCompiler::reserveTerms()
 {
     const auto count = 2 * m_text.count(u' ') + 1;
@@ -81,7 +81,7 @@ void ExpressionCompiler::reserveTerms()
     m_operators.reserve(count);
 }
 
-// Reads the text up to its end. False: an error was reported, and compiling stops.
+// Reads the text to its end. False: an error was reported, and compiling stops.
 bool ExpressionCompiler::compileTerms()
 {
     while (m_parsePos != textEnd()) {
@@ -149,8 +149,8 @@ bool ExpressionCompiler::compileGroup(QChar open)
     if (inner.isEmpty())
         return false;
 
-    // The text as written, before upper-casing: "(sep)" is preceded by a separator, "(SEP)" is not.
-    // This is meant.
+    // The text as written, before upper-casing: a separator is inserted before "(sep)" but not
+    // before "(SEP)"; pinned by `CompilerTable.no_separator_is_inserted_beside_a_written_one`.
     append_operator(inner);
     const int blanks = inner.startsWith(u' ') ? 1 : 0; // not part of the simplified inner text
     std::unique_ptr<TermStd> term =
@@ -167,17 +167,17 @@ bool ExpressionCompiler::compileGroup(QChar open)
 void ExpressionCompiler::appendTerm(std::unique_ptr<TermStd> term)
 {
     m_terms.append(term.get());
-    static_cast<void>(term.release()); // only now, since append() may throw
+    static_cast<void>(term.release()); // not before, since append() may throw
 }
 
-// The term for what stands in brackets; null after a report.
+// The term for the text in brackets; null after a report.
 std::unique_ptr<TermStd> ExpressionCompiler::compilePart(const ConfigInfo* record) const
 {
     if (auto standard = std::unique_ptr<TermStd>(m_expression->isStdTerm(record)))
         return standard;
-    // A single word becomes the same as by the way below. Rules are full of such parts ("[RFL]"),
-    // and no expression has to be made and unmade for each. The way below reports what nests too
-    // deep.
+    // A shortcut for a single word, with the same result as the call below. Rules are full of such
+    // parts ("[RFL]"), and this saves making an expression for each. The call below reports what is
+    // nested too deep.
     const QString& text = record->ruleText;
     const bool isWord = std::none_of(text.cbegin(), text.cend(), endsWord);
     if (isWord && m_nesting < TermExpression::MaxNesting)
@@ -207,7 +207,7 @@ bool ExpressionCompiler::readOperator()
 void ExpressionCompiler::readBlank()
 {
     ++m_parsePos;
-    // Before a brace the word may be the minimum count: "2 {DIGIT}".
+    // A word before a brace may be the minimum count: "2 {DIGIT}".
     const bool braceFollows = m_parsePos != textEnd() && *m_parsePos == u'{';
     if (!braceFollows && !m_pendingWord.isEmpty())
         appendPendingWord();
@@ -225,7 +225,7 @@ bool ExpressionCompiler::isComplete()
         return false;
     }
     if (!m_operator.isNull()) {
-        // Nothing but a blank can stand behind it.
+        // Only a blank can follow it.
         const QChar* const last = textEnd() - (m_text.endsWith(u' ') ? 2 : 1);
         errorAt(last, QObject::tr("missing the last term after operator ") + m_operator);
         return false;
@@ -233,7 +233,7 @@ bool ExpressionCompiler::isComplete()
     return true;
 }
 
-// At the end of the text: the operators must be all the same.
+// At the end of the text: all operators must be the same.
 void ExpressionCompiler::settleOperator()
 {
     if (m_operators.isEmpty())
@@ -278,13 +278,13 @@ QString ExpressionCompiler::get_term(const QChar& open, const QChar& close, int*
     return inner;
 }
 
-// Collects what stands between the opening character at the cursor and its closing one, and moves
-// the cursor behind it. False: an error was reported.
+// Collects the text between the opening character at the cursor and its closing one, and moves the
+// cursor past it. False: an error was reported.
 bool ExpressionCompiler::collectPart(QChar open, QChar close, QString* inner)
 {
     const QChar* const begin = m_parsePos + 1;
     const QChar* end = begin;
-    // Of quotes the first one closes, as open and close are the same. Only brackets of the same
+    // Quotes end at the next quote, since both characters are the same. Only brackets of the same
     // kind count.
     for (int depth = 0; end != textEnd(); ++end) {
         if (*end == close && depth-- == 0)
@@ -294,7 +294,8 @@ bool ExpressionCompiler::collectPart(QChar open, QChar close, QString* inner)
     }
     *inner = QString(begin, static_cast<int>(end - begin));
     if (end == textEnd()) {
-        QString text = QObject::tr("no clossing character ") + close; // the spelling is meant
+        // The spelling is pinned by `CompilerTable.literals`.
+        QString text = QObject::tr("no clossing character ") + close;
         if (!inner->isEmpty())
             text += u' ' + *inner;
         errorAt(m_parsePos, text);
@@ -308,8 +309,8 @@ bool ExpressionCompiler::collectPart(QChar open, QChar close, QString* inner)
     return true;
 }
 
-// Reads the maximum count behind a closing brace, -1 if there is none. Digits that run on into a
-// word ("{DIGIT}5X") are no count and stay for the word.
+// Reads the maximum count after a closing brace, -1 if there is none. Digits at the beginning of a
+// word ("{DIGIT}5X") are no count; they are left to the word.
 int ExpressionCompiler::readMaxCount()
 {
     const QChar* begin = m_parsePos;
@@ -350,15 +351,15 @@ void ExpressionCompiler::append_operator(const QString& nextTermText)
     }
     m_operators.append(u'!');
     m_operator = QChar();
-    // No separator before a literal (whose text comes empty here), although there is one behind it:
-    // "'X' A" allows white space, "A 'X'" does not. This is meant.
+    // No separator before a literal (its text is empty here), although there is one after it:
+    // "'X' A" allows white space, "A 'X'" does not; pinned by `CompilerTable.literals`.
     if (nextTermText.isEmpty() || nextTermText == QLatin1String("SEP") ||
         m_terms.last()->isSeparator())
         return;
-    // One of its own each time: a list tells its items by the first required term, and a message
-    // can name a separator by its text.
+    // A new term each time: a list tells its items by the first required term, and a message can
+    // name a separator by its text.
     static const ConfigInfo record = [] {
-        ConfigInfo nowhere; // it stands nowhere in the rule files
+        ConfigInfo nowhere; // it has no place in the rule files
         nowhere.ruleText = QLatin1String(InsertedSeparator);
         return nowhere;
     }();
@@ -398,8 +399,8 @@ void ExpressionCompiler::errorAt(const QChar* place, const QString& text) const
     m_expression->configErrorMessage(text, finding);
 }
 
-// Where the term at the index begins with its bracket, or the one behind it if that is an inserted
-// separator.
+// Where the term at the index begins, bracket included. For an inserted separator: where the term
+// after it begins.
 const QChar* ExpressionCompiler::beginOfTerm(int index) const
 {
     const TermStd* term = m_terms.at(index);

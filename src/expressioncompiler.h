@@ -12,14 +12,14 @@ class TermExpression;
 class TermStd;
 
 /// Compiles the text of an expression into its terms and operators, reading it once from left to
-/// right. What stands in brackets becomes an expression of its own, with a compiler of its own.
+/// right. A part in brackets becomes an expression of its own, with its own compiler.
 ///
-/// Errors are reported at their place in the text; the first one ends the compiling.
+/// Errors are reported at their place in the text; compiling stops at the first one.
 class ExpressionCompiler
 {
 public:
-    /// Compiles for @p expression (not null, not owned), which holds its text and no term yet.
-    /// @p nesting is the number of brackets that the text stands in.
+    /// Compiles for @p expression (not null, not owned), which has its text but no terms yet.
+    /// @p nesting is the number of brackets around the text.
     ExpressionCompiler(TermExpression* expression, int nesting);
 
     /// Fills ExprList, OperatorsList and currentOperator of the expression, and makes it valid if
@@ -58,10 +58,10 @@ private:
     QString& m_operators;     // its OperatorsList
     int m_nesting;            // brackets around the text
     const QChar* m_parsePos;  // the cursor into the text
-    QString m_pendingWord;    // read but not yet appended: a count may turn out of it
-    int m_wordBegin = 0;      // position of the word read last
+    QString m_pendingWord;    // read but not yet appended: it may be a count
+    int m_wordBegin = 0;      // position of the last word
     QChar m_operator;         // read but not yet recorded; null if none
-    ConfigInfo m_partRecord;  // the expression's record with the text of the part at hand
+    ConfigInfo m_partRecord;  // the expression's record with the text of the current part
 };
 
 #endif

@@ -7,16 +7,16 @@
 
 /// The characters that the data of a term can begin with.
 ///
-/// A term that cannot begin with the character at hand is passed over without a look into it: in a
-/// choice of twenty literals that spares nineteen calls. Only characters below 128 are told apart,
-/// every other one may begin anything.
+/// A term that cannot begin with the current character is skipped without a call: in a choice of
+/// twenty literals that saves nineteen calls. Only characters below 128 are told apart; any other
+/// character counts as a possible beginning of every term.
 class FirstChars
 {
 public:
     /// No character below 128.
     constexpr FirstChars() = default;
 
-    /// Every character: nothing is known of the term.
+    /// Every character: nothing is known about the term.
     static constexpr FirstChars all()
     {
         FirstChars chars;

@@ -35,7 +35,7 @@ void LargeMemory::advise(void* block, std::size_t size)
 {
     if (size < LargeBlock)
         return;
-    // Only the large pages that lie wholly in the block.
+    // Only the large pages that lie completely in the block.
     const auto misplaced = reinterpret_cast<std::uintptr_t>(block) % PageSize;
     const std::size_t skipped = misplaced == 0 ? 0 : PageSize - misplaced;
     madvise(static_cast<char*>(block) + skipped, (size - skipped) / PageSize * PageSize,

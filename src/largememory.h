@@ -4,18 +4,18 @@
 #include <cstddef>
 #include <memory_resource>
 
-/// Memory in blocks so large that the kernel's work on their pages counts.
+/// Memory in blocks that are so large that the kernel's work on their pages costs time.
 ///
-/// A message of many megabytes touches ten times its size, and page by page of four kilobytes that
-/// took nearly half of a conversion; pages of two megabytes spare most of it.
+/// The conversion of a message of many megabytes touches ten times its size. With pages of four
+/// kilobytes, the kernel took nearly half of the time; pages of two megabytes save most of it.
 namespace LargeMemory {
 
-/// The size in bytes from which on a block counts as large.
+/// The smallest size of a large block, in bytes.
 constexpr std::size_t LargeBlock = std::size_t(4) << 20;
 
-/// Asks the kernel for large pages for the block of @p size bytes at @p block, before it is written
-/// to. Does nothing for a block that is not large, or where the kernel has no such pages; never
-/// fails.
+/// Asks the kernel for large pages for the block of @p size bytes at @p block. Call it before the
+/// block is written to. Does nothing for a block that is not large, or if the kernel has no such
+/// pages; never fails.
 void advise(void* block, std::size_t size);
 
 /// The heap, with large pages for large blocks. Lives as long as the process.

@@ -17,7 +17,7 @@
 
 namespace {
 
-// The reports begin with the full signature of the operation, as users' scripts know it.
+// The reports begin with the full signature of the operation: scripts of users expect it.
 void report(const char* signature, const QString& file, const QString& text,
             FindingKind kind = FindingKind::Cause)
 {
@@ -28,7 +28,8 @@ void report(const char* signature, const QString& file, const QString& text,
     DiagnosticLine(QtDebugMsg).plain(signature).quoted(text).send(finding);
 }
 
-// The same, about the record at @p place; @p head goes before the text in the line only.
+// The same, about the record at @p place. The line has @p head before the text, the finding has
+// not.
 void reportRecord(const char* signature, const ConfigInfo& place, const QString& head,
                   const QString& text, FindingKind kind = FindingKind::Cause)
 {
@@ -49,8 +50,8 @@ bool isDisabled(const QDomElement& record)
     return record.attribute(QStringLiteral("active")) == QLatin1String("false");
 }
 
-// The text that QDomElement::text() gives; that leaks what it has when memory runs out. Recursion
-// is bounded: no file with elements nested deeper than XmlLimits::MaxDepth is read.
+// The same text as QDomElement::text(), which leaks when memory runs out. The recursion is bounded:
+// no file with elements nested deeper than XmlLimits::MaxDepth is read.
 QString textOf(const QDomNode& element)
 {
     QString text;
@@ -69,9 +70,9 @@ QString ownCopy(const QString& text)
     return QString(text.constData(), text.size());
 }
 
-// The records of a rule file that are not disabled, taken out of the document, which is empty
-// afterwards. Terms made while it is there would lie between its nodes, and leave the heap full of
-// holes when it goes: loading many definitions would take longer for each.
+// Takes the records that are not disabled out of the document of a rule file, and clears the
+// document. Terms are made only afterwards: otherwise they would lie between the nodes of the
+// document, the heap would be full of holes once it is cleared, and loading would be slower.
 std::vector<ConfigInfo> takeRecords(QDomDocument* document, const QString& file,
                                     const QString& nameAttribute, const QString& textElement)
 {
@@ -114,7 +115,7 @@ template <typename Item>
 void appendTo(NamedList<Item>* list, std::unique_ptr<Item> item)
 {
     list->append(item.get());
-    static_cast<void>(item.release()); // only now, since append() may throw
+    static_cast<void>(item.release()); // not before, since append() may throw
 }
 
 } // namespace
@@ -134,10 +135,10 @@ QString MainClass::getPathFromSettings(const QSettings* settings, const QString&
 
 bool MainClass::readSettingsRules(QSettings* settings)
 {
-    // Simple terms are checked before any field is there, so they cannot refer to fields. The
+    // Simple terms are checked before any field is loaded, so they cannot refer to fields. The
     // fields of both files are checked together, so they can refer to each other.
 #if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
-    settings->setIniCodec("UTF-8"); // as later versions of Qt read it
+    settings->setIniCodec("UTF-8"); // the default of later versions of Qt
 #endif
     settings->beginGroup(QStringLiteral("rules"));
     const auto path = [settings](const char* key) {
@@ -173,7 +174,8 @@ bool MainClass::ruleDomDocumentsetContent(const QString& path, QDomDocument* doc
         place.setXMLFile(path);
         place.lineNumber = static_cast<int>(line);
         place.columnNumber = static_cast<int>(column);
-        // Nothing stands between column and error text; this is meant.
+        // Nothing stands between column and error text; pinned by
+        // `TermFiles.MalformedFileIsReportedTwiceAndFails`.
         const QString head = tr("Parse error at line ") + QString::number(line) + tr(", column ") +
                              QString::number(column);
         reportRecord(Signature, place, head, error);
@@ -198,7 +200,7 @@ bool MainClass::readTermsXMLFile(const QString& path, const QString& recordTag, 
                FindingKind::Consequence);
         return false;
     }
-    ConfigInfo last; // of those with the right tag
+    ConfigInfo last; // the last record with the right tag
     last.setXMLFile(path);
     for (const ConfigInfo& record :
          takeRecords(&document, path, QStringLiteral("name"), QStringLiteral("term")))
@@ -210,8 +212,8 @@ void MainClass::readTermRecord(const ConfigInfo& record, const QString& recordTa
                                bool containsField, ConfigInfo* last)
 {
     if (record.tagName != recordTag) {
-        // The head is that of the last record with the right tag, unlike in the message rules; this
-        // is meant.
+        // The head names the last record with the right tag, unlike in the message rules; pinned by
+        // `TermFiles.WrongTagIsReportedUnderTheRecordBeforeIt`.
         reportRecord(ReadTermsSignature, record, last->xmlErrorHead(),
                      tr("bad tag name ") + record.tagName);
         return;
@@ -225,8 +227,9 @@ void MainClass::readTermRecord(const ConfigInfo& record, const QString& recordTa
                          record.ruleText + u'"');
         return;
     }
-    // A text that does not compile was reported by the compiler; nothing is added here, unlike for
-    // the message rules, and this is meant.
+    // The compiler has reported a text that does not compile. There is no second report, unlike for
+    // the message rules; pinned by
+    // `TermFiles.RecordThatDoesNotCompileIsSkippedWithoutAReportOfTheLoader`.
     std::unique_ptr<TermStd> term(TermExpression::append_expression(&record, true));
     if (!term)
         return;
@@ -252,7 +255,8 @@ bool MainClass::readMsgRulesXMLFile(const QString& path)
 
 void MainClass::readMsgRuleRecord(const ConfigInfo& record)
 {
-    // A misnamed record is reported at its own place, unlike in the term files; this is meant.
+    // A record with a wrong tag is reported at its own place, unlike in the term files; pinned by
+    // `MsgRuleFile.MisnamedRecordIsReportedAtItsOwnPlaceWithItsOwnTitle`.
     const auto reportRule = [&record](const QString& text, FindingKind kind = FindingKind::Cause) {
         reportRecord(ReadMsgRulesSignature, record, record.xmlErrorHead(), text, kind);
     };
@@ -283,7 +287,7 @@ void MainClass::termsList_checkConfig()
             if (!nesting.isWithinLimits(term) || !term->check_config(&termsList)) {
                 Finding finding;
                 finding.kind = FindingKind::Consequence;
-                // Two blanks; this is meant.
+                // The two blanks are pinned by `Validation.TermWithUnknownReferenceIsRemoved`.
                 term->configErrorMessage(tr("term  no valid, entry is removed"), finding);
                 return false;
             }

@@ -13,7 +13,7 @@ class QSettings;
 
 /// The converter: the loaded rule set, and the conversion of messages against it.
 ///
-/// The terms and rules are made while loading and only read afterwards. They are owned.
+/// Owns the terms and rules. They are made while loading and only read afterwards.
 class MainClass : public QObject
 {
     Q_OBJECT
@@ -24,7 +24,7 @@ public:
     /// Deletes the rules, then the terms.
     ~MainClass() override;
 
-    /// The value of @p key in the current group of @p settings; empty if it is not there.
+    /// The value of @p key in the current group of @p settings; empty if there is none.
     static QString getPathFromSettings(const QSettings* settings, const QString& key);
 
     /// Loads the four rule files that @p settings (not null, not owned) names. False if one of them

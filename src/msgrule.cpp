@@ -22,8 +22,8 @@ bool MsgRule::isContainsCompoundField() const
 
 XmlDocument MsgRule::toXMLString(AdexpDoc* doc) const
 {
-    // The text stands in the document twice, and 150 bytes are what a field takes with its tags. In
-    // a message that is full of characters to be escaped the buffer grows.
+    // The document holds the text twice, and a field takes 150 bytes with its tags. If the message
+    // is full of characters that must be escaped, the buffer grows.
     const auto fields = static_cast<qsizetype>(doc->fieldCount());
     XmlWriter writer(1024 + 2 * doc->msgParam.text.size() + 150 * fields);
     packDoc(doc, &writer);

@@ -8,7 +8,7 @@ class AdexpDoc;
 class MainClass;
 class XmlWriter;
 
-/// The rule for the messages of one title: an expression over the fields of the message. Its record
+/// The rule for the messages of one title: an expression of the fields of the message. Its record
 /// name is the title.
 class MsgRule : public TermExpression
 {

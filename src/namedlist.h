@@ -13,8 +13,8 @@ class TermStd;
 
 /// Items of a rule set in the order in which they were loaded, found by their record name.
 ///
-/// Does not own the items. The name of an item must not change while it is in the list: the index,
-/// which keeps loading linear in the number of definitions, refers to it.
+/// Does not own the items. The name of an item must not change while it is in the list: the index
+/// refers to it. With the index, the loading time is linear in the number of definitions.
 template <typename Item>
 class NamedList
 {
@@ -24,7 +24,7 @@ public:
     {
         m_items.append(item);
         try {
-            m_firstByName.emplace(item->config.recordName, item); // keeps the first of a name
+            m_firstByName.emplace(item->config.recordName, item); // the first of a name stays
         } catch (...) {
             m_items.removeLast();
             throw;
@@ -39,9 +39,8 @@ public:
         return found == m_firstByName.cend() ? nullptr : found->second;
     }
 
-    /// Goes through the list and takes out each item for which @p keep(item) is false. An item that
-    /// was taken out is not found any more by the calls of @p keep that follow. Returns the items
-    /// taken out.
+    /// Goes through the list and removes each item for which @p keep(item) is false. The following
+    /// calls of @p keep do not find a removed item any more. Returns the removed items.
     template <typename Keep>
     QList<Item*> takeUnless(Keep keep)
     {
@@ -82,8 +81,8 @@ private:
     }
 
     QList<Item*> m_items;
-    // Not noexcept, and this is meant: only then the map keeps the hash of each name, instead of
-    // computing it again for each name that a search passes.
+    // Without noexcept the map stores the hash of each name (with it, the standard library of GCC
+    // computes the hash again for each name that a search passes).
     struct Hash
     {
         size_t operator()(QStringView name) const { return qHash(name); }

@@ -8,14 +8,14 @@
 
 namespace {
 
-// What Qt needs the first time, and for buffers whose size does not depend on the file.
+// What Qt needs for the first call, and for buffers whose size does not depend on the file.
 constexpr std::size_t Fixed = std::size_t(128) << 10;
 
-// Above what Qt 5.15 and Qt 6.4 take at the peak, by files that are full of what costs most.
+// More than Qt 5.15 and Qt 6.4 need at the peak, for files made to cost as much as possible.
 constexpr std::size_t PerSettingsByte = 128; // files of nothing but short sections
 constexpr std::size_t PerXmlByte = 16;
-constexpr std::size_t PerNode = 512;       // a '<' stands for an element and a text at the most
-constexpr std::size_t PerAttribute = 2560; // the first of an element brings a table
+constexpr std::size_t PerNode = 512;       // for each '<': at most an element and a text
+constexpr std::size_t PerAttribute = 2560; // the first of an element needs a table
 
 void require(std::size_t bytes)
 {

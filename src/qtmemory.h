@@ -4,20 +4,20 @@
 #include <QByteArray>
 #include <QString>
 
-/// The memory that operations of Qt need which do not survive without it.
+/// Makes sure of memory before calls of Qt that do not survive without it.
 ///
-/// Most of Qt throws std::bad_alloc when memory runs out, and nothing is lost. The constructors of
-/// QObject and QSettings and the reading of a QDomDocument end the process instead, or leave parts
-/// behind. Before these are called, the memory is asked for and given back at once: if it is not
-/// there, the failure comes here and is clean.
+/// Most of Qt throws std::bad_alloc when memory runs out, and nothing is lost. But the constructors
+/// of QObject and QSettings and the reading of a QDomDocument end the process, or leak. Before such
+/// a call, the memory that it needs is allocated and released at once. If there is not enough, the
+/// failure happens here, where it does no harm.
 namespace QtMemory {
 
-/// Before QSettings is made for the ini file @p path, which need not exist; it covers a QObject
-/// made together with it. Throws std::bad_alloc.
+/// Call it before QSettings is made for the ini file @p path, which need not exist. It is enough
+/// for one QObject as well. Throws std::bad_alloc.
 void requireForSettings(const QString& path);
 
-/// Before QDomDocument reads @p xml, which has no document type with entities of its own (they may
-/// stand for more). Throws std::bad_alloc.
+/// Call it before QDomDocument reads @p xml. It is enough if the document type of @p xml defines no
+/// entities (they may need more). Throws std::bad_alloc.
 void requireForDom(const QByteArray& xml);
 
 } // namespace QtMemory

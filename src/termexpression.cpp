@@ -15,8 +15,8 @@ TermExpression::TermExpression(const ConfigInfo* record, NotCompiled) : TermStd(
     ExprRuleStr = record->ruleText.simplified();
 }
 
-// Compiles in a constructor that calls another one: then the terms made so far are deleted if
-// memory runs out.
+// Calls another constructor first: if memory runs out while compiling, the destructor then deletes
+// the terms made so far.
 TermExpression::TermExpression(const ConfigInfo* record, int nesting)
     : TermExpression(record, NotCompiled())
 {
@@ -104,7 +104,7 @@ int TermExpression::type() const
 
 int TermExpression::calculateOfLengthData(bool withRepeat) const
 {
-    // In 64 bits, cut to 32 at the end: an overflow has a defined outcome.
+    // In 64 bits, cut to 32 at the end: an overflow has a defined result.
     qint64 length = 0;
     for (const TermStd* term : ExprList) {
         const int termLength = term->calculateOfLengthData(true);
@@ -131,8 +131,8 @@ bool TermExpression::check_config(const TermList* termsList)
     return valid;
 }
 
-// In a sequence these are the characters of the terms up to the first one that must be there; a
-// separator may be left out with the optional term before it.
+// In a sequence: the characters of the terms up to the first required one. A separator may be
+// absent together with the optional term before it.
 void TermExpression::collectFirstChars()
 {
     firstChars = FirstChars();
@@ -149,7 +149,7 @@ void TermExpression::collectFirstChars()
 TermStd* TermExpression::search_TermField(QStringView name) const
 {
     if (m_termsByText.isEmpty()) {
-        TermIndex whole; // a part of it, made when memory ran out, must not stay
+        TermIndex whole; // stored only when complete, since memory may run out
         indexTerms(&whole);
         m_termsByText = std::move(whole);
     }
@@ -188,8 +188,9 @@ bool TermExpression::isContainsCompoundField() const
 
 bool TermExpression::isFirstRequiredField(const TermStd* field) const
 {
-    // A choice is walked like a sequence: a required alternative hides those behind it. This is
-    // meant; lists write their alternatives as optional terms.
+    // A choice is treated like a sequence: a required alternative hides those after it; pinned by
+    // `ExpressionFirstField.walk_stops_at_the_first_required_term`. Lists write their alternatives
+    // as optional terms.
     for (const TermStd* term : ExprList) {
         if (term == field || term->isFirstRequiredField(field))
             return true;
@@ -214,8 +215,8 @@ int TermExpression::real_parse(const QChar* data)
     return isChoice() ? parse_by_operator_or(data) : parse_by_operator_and(data);
 }
 
-// What stands behind references without a repeat count of their own: a check has resolved them, and
-// has refused loops.
+// Follows references without a repeat count of their own to their target. The check has resolved
+// them and refused loops.
 TermStd* TermExpression::referredTerm(TermStd* term)
 {
     while (term->type() == TermTypeVariable && term->bracketType != BracketRepeat) {
@@ -265,15 +266,15 @@ int TermExpression::parse_by_operator_and(const QChar* data) const
             if (matched == 0)
                 return 0;
         } else if (step + 1 != end && step[1].isSeparator && parse_sep(data + pos + matched) == 0) {
-            // An optional term without the separator that has to follow it counts as absent, and
-            // the separator with it, even where the optional term has matched: this is meant, and
-            // it holds at the end of the text as well.
+            // An optional term counts as absent if the separator that must follow it is missing,
+            // even if the term has matched, and also at the end of the text; pinned by
+            // `MatcherTable.optional_term_counts_as_absent_if_its_separator_is_missing`.
             ++step;
             continue;
         }
         pos += matched;
     }
-    // The text is used up: what is left must not be required. Separators never are.
+    // At the end of the text: no term that is left may be required. Separators never are.
     const bool complete =
         std::all_of(step, end, [](const Step& left) { return left.isSeparator || !left.required; });
     return complete ? pos : 0;

@@ -8,20 +8,19 @@
 
 class TermStd;
 
-/// Terms by their text, for the look-up of each field of each message.
+/// Finds terms by their text, for each field of each message.
 ///
-/// A table of slots, twice as many as there are terms, searched from the slot that the hash of the
-/// text names. It holds keywords of a few letters, for which the hash and the comparison of QHash,
-/// made for long texts, do more than is needed.
+/// A hash table with linear probing and twice as many slots as terms. The keys are keywords of a
+/// few letters; the hash and the comparison of QHash are made for long texts and would be slower.
 class TermIndex
 {
 public:
     bool isEmpty() const { return m_slots.empty(); }
 
-    /// Adds @p term (not owned) under @p text, which must stay, unless there is one of that text.
+    /// Adds @p term (not owned) with @p text (not copied), unless there is a term with that text.
     void insert(QStringView text, TermStd* term);
 
-    /// The term of that text, or null.
+    /// The term with that text, or null.
     TermStd* find(QStringView text) const
     {
         return m_slots.empty() ? nullptr : m_slots[slotOf(text)].term;
@@ -47,7 +46,7 @@ private:
         return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin());
     }
 
-    // The slot that holds the text, or the free one in which it would be.
+    // The slot with the text, or the free slot for it.
     size_t slotOf(QStringView text) const
     {
         const size_t mask = m_slots.size() - 1;
@@ -59,7 +58,7 @@ private:
 
     void grow();
 
-    std::vector<Slot> m_slots; // as many as a power of two
+    std::vector<Slot> m_slots; // the number is a power of two
     size_t m_count = 0;        // slots in use
 };
 

@@ -32,7 +32,7 @@ bool TermSimple::check_config(const TermList*)
 
 int TermSimple::real_parse(const QChar* data)
 {
-    // Never beyond the null that ends the data, also if a rule file has brought one into the
+    // Never past the null at the end of the data, even if a rule file has put a null into the
     // literal.
     const QChar* const literal = ExprRuleStr.constData();
     const auto length = static_cast<int>(ExprRuleStr.size());

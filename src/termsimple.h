@@ -13,8 +13,9 @@ public:
 
     int type() const override;
 
-    /// The literal's length in UTF-16 units. Unlike in the other terms the repeat count always
-    /// takes part, whatever @p withRepeat says; this is meant.
+    /// The literal's length in UTF-16 units. Unlike for the other terms, the repeat count always
+    /// counts, whatever @p withRepeat says; pinned by
+    /// `Literal.repeat_count_always_counts_in_the_longest_length`.
     int calculateOfLengthData(bool withRepeat) const override;
 
     /// False, after a report, for an empty literal.

@@ -32,7 +32,7 @@ constexpr unsigned oneCharacterBits(int stdType)
     }
 }
 
-// The length of the run of characters of these classes at `data`, `max` at the most.
+// The length of the run of characters of these classes at `data`, at most `max`.
 int runLength(const QChar* data, unsigned bits, int max)
 {
     int length = 0;
@@ -70,7 +70,7 @@ int TermStd::lengthTimesMaxRepeat(int length) const
 {
     if (bracketType != BracketRepeat || maxRepeat <= 0)
         return length;
-    // In 64 bits, cut to 32: an overflow has a defined outcome.
+    // In 64 bits, cut to 32: an overflow has a defined result.
     return maxRepeat == RepeatNoLimit ? RepeatNoLimit
                                       : static_cast<int>(static_cast<qint64>(length) * maxRepeat);
 }
@@ -123,7 +123,7 @@ bool TermStd::isFirstRequiredField(const TermStd*) const
     return false;
 }
 
-// The rest of parse(): the repeat count of a term in braces, and a null text.
+// The rest of parse(): terms in braces, and a null text.
 int TermStd::parseRepeated(const QChar* indata)
 {
     if (!indata) {
@@ -131,7 +131,8 @@ int TermStd::parseRepeated(const QChar* indata)
         return 0;
     }
 
-    // Most of a message is runs of one class: they are counted without a call for each character.
+    // A message consists mostly of runs of one class: they are counted without a call for each
+    // character.
     if (const unsigned bits = oneCharacterBits(stdType)) {
         const int length = runLength(indata, bits, maxRepeat);
         MatchingSteps::take(length);

@@ -31,33 +31,33 @@ enum BracketType {
     BracketRepeat = 2,   ///< in braces: between minRepeat and maxRepeat times
 };
 
-/// How a field's data is read, by the definition of the field.
+/// How the data of a field is read; it depends on the definition of the field.
 enum class FieldKind : unsigned char {
     Unknown,      ///< not asked yet
     Basic,        ///< data up to the next field word
     BasicToLimit, ///< an unbounded run of CHARACTER: data up to the end of the block or message
-    Compound,     ///< fields
+    Compound,     ///< sub-fields
 };
 
-/// The maximum repeat count that stands for no upper limit, also as a length.
+/// The repeat count, or the length, that means: no upper limit.
 constexpr int RepeatNoLimit = 0x1fffffff;
 
 /// Base of all terms, and the class of the standard terms CHARACTER, ALPHANUM, ALPHA, DIGIT, SEP,
 /// NIL and LIM_CHAR.
 ///
 /// Matching works on UTF-16 units up to a null character. The result is the number of units matched
-/// from the start, 0 for no match. A term that matches nothing (NIL, a repeat with minimum 0) gives
-/// 0 as well; whether a 0 is acceptable is decided by the caller from isRequired().
+/// from the start, 0 for no match. A term that may match nothing (NIL, a repeat with minimum 0)
+/// gives 0 as well; the caller asks isRequired() whether a 0 is acceptable.
 ///
-/// A term is owned by the list it stands in: the rule set's or an expression's.
+/// A term is owned by the list that holds it: that of the rule set or of an expression.
 class TermStd
 {
 public:
-    /// A standard term of kind @p kind (a TermType of 1 to 7) written as the rule text of @p record
-    /// (not null, copied). Valid from birth.
+    /// A standard term of kind @p kind (a TermType of 1 to 7), written as the rule text of @p
+    /// record (not null, copied). It is valid at once.
     TermStd(int kind, const ConfigInfo* record);
 
-    /// The base of a derived term. Not valid until its class makes it so.
+    /// The base of a derived term. It is not valid until the derived class says so.
     explicit TermStd(const ConfigInfo* record);
 
     virtual ~TermStd() = default;
@@ -69,7 +69,7 @@ public:
     virtual int type() const;
 
     /// The largest number of UTF-16 units that the term covers; RepeatNoLimit without limit.
-    /// @p withRepeat says whether the term's own repeat count takes part.
+    /// @p withRepeat says whether the term's own repeat count counts.
     virtual int calculateOfLengthData(bool withRepeat) const;
 
     /// Resolves references and checks the term against the named terms @p termsList (not owned).
@@ -79,16 +79,16 @@ public:
     /// The term as one line of text for diagnosis. @p topLevel is true for the outermost call.
     virtual QString dumpData(bool topLevel) const;
 
-    /// True if the term is an unbounded run of CHARACTER, whose data may hold hyphens.
+    /// True if the term is an unbounded run of CHARACTER; its data may contain hyphens.
     virtual bool isCharacterNoLimit();
 
-    /// The sub-term written with the name @p name, or null. Nothing is owned by the caller.
+    /// The sub-term written with the name @p name, or null. The caller does not own it.
     virtual TermStd* search_TermField(QStringView name) const;
 
     /// True if the term is, or contains, the definition of a field.
     virtual bool isContainsField() const;
 
-    /// Finds out once, after loading, whether the term is a compound of fields.
+    /// Computes once, after loading, whether the term is a compound of fields.
     virtual void setCompoundField();
 
     /// True if the term is a compound of fields.
@@ -100,7 +100,7 @@ public:
     /// Matches one occurrence at the start of @p data, without brackets and repeat count.
     virtual int real_parse(const QChar* data);
 
-    /// Matches the term with its repeat count at the start of @p indata, ended by a null character.
+    /// Matches the term with its repeat count at the start of @p indata, which ends with a null.
     /// Returns the UTF-16 units matched, 0 for no match. Greedy, never goes back.
     int parse(const QChar* indata)
     {
@@ -110,11 +110,11 @@ public:
     }
 
     /// Stores the repeat count of a term in braces; -1 stands for a number that was not written.
-    /// Counts that make no sense are reported and corrected, the term stays valid.
+    /// Counts that make no sense are reported and corrected; the term stays valid.
     void setRepeatCount(int min, int max);
 
     /// What isContainsCompoundField() and isCharacterNoLimit() say together. The answer of a
-    /// checked term is kept, as it does not change any more and every field of a message asks for
+    /// checked term is stored: it does not change any more, and every field of a message asks for
     /// it.
     FieldKind fieldKind();
 
@@ -133,8 +133,8 @@ public:
     /// Reports the configuration error @p text at the place of the term's record.
     void configErrorMessage(const QString& text) const;
 
-    /// The same; the observer is told @p finding, with the text and the term's record filled in,
-    /// and the position unless it has one.
+    /// The same; the observer gets @p finding with the text and the term's record filled in, and
+    /// the position if it has none.
     void configErrorMessage(const QString& text, Finding finding) const;
 
     /// @name Character classes
@@ -148,14 +148,14 @@ public:
     int parse_nil(const QChar* data) const;
     /// @}
 
-    // What matching looks at comes first, so that it lies in the first cache line.
+    // The members that matching uses come first, so that they lie in the first cache line.
     int minRepeat = -1;            ///< minimum repeat count; -1 if none is set
     int maxRepeat = -1;            ///< maximum repeat count; -1 if none is set
     int bracketType = BracketNone; ///< a BracketType
     int stdType = TermTypeUnknown; ///< kind of a standard term; 0 in derived terms
     bool valid = false;            ///< the term can be used
     bool compoundField = false;    ///< a compound of fields
-    bool configChecked = false;    ///< check_config has been run; set by who ran it
+    bool configChecked = false;    ///< check_config() has been called; the caller sets it
     bool containsField = false;    ///< the definition of a field
 
 private:
@@ -164,7 +164,7 @@ private:
     int parseRepeated(const QChar* indata);
 
 protected:
-    /// What the term's data can begin with; known at the latest when the term has been checked.
+    /// The characters with which the term's data can begin; known once the term has been checked.
     FirstChars firstChars = FirstChars::all();
 
     /// firstChars of another term.
@@ -174,7 +174,7 @@ protected:
     /// length.
     int lengthTimesMaxRepeat(int length) const;
 
-public:                  // members again: behind what matching looks at
+public:                  // more members: these are not used by matching
     ConfigInfo config;   ///< the record that the term comes from
     QString ExprRuleStr; ///< the term's own text: keyword, literal, name or expression
 };

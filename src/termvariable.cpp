@@ -10,10 +10,10 @@ namespace {
 const char* const NotResolved = "simpleTerm == 0";
 const char* const Loop = "loop detected in the variables";
 
-// Definitions that nest too deep are not checked at all (DefinitionNesting), but in a tangle of
-// loops the checks enter one definition again through each of its references. The bound keeps them
-// within a stack of 256 KiB; the checks of one process never run side by side, so one counter
-// serves all.
+// Definitions that nest too deep are not checked at all (DefinitionNesting). But if loops are
+// tangled, the check enters a definition again through each of its references. With this limit it
+// needs a stack of less than 256 KiB. Checks of one process never run in parallel, so one counter
+// is enough.
 constexpr int MaxChecksUnderWay = 400;
 int checksUnderWay = 0;
 
@@ -54,12 +54,12 @@ bool TermVariable::fail(const QString& text, FindingKind kind)
     return false;
 }
 
-// What builds texts is never inlined: check_config() calls itself hundreds of levels deep, and its
-// frame would hold them.
+// Functions that build texts are never inlined: check_config() calls itself hundreds of levels
+// deep, and each of its frames would have room for the texts.
 
 [[gnu::noinline]] bool TermVariable::failLoop() const
 {
-    // `valid` stays: the call that is under way decides about it.
+    // `valid` is not set here: the outer call of check_config() sets it.
     report(QObject::tr("loop detected in the variables"), FindingKind::Loop);
     return false;
 }
@@ -77,7 +77,7 @@ bool TermVariable::fail(const QString& text, FindingKind kind)
                 FindingKind::Consequence);
 }
 
-// The term of the name; null after a report.
+// The term with the name; null after a report.
 [[gnu::noinline]] TermStd* TermVariable::namedTerm(const TermList* termsList)
 {
     TermStd* term = nullptr;
@@ -110,8 +110,8 @@ bool TermVariable::check_config(const TermList* termsList)
         const QScopedValueRollback<int> oneMore(checksUnderWay, checksUnderWay + 1);
         const QScopedValueRollback<bool> guard(loopGuard, true);
         valid = term->check_config(termsList);
-        // Also after a failure: nobody checks the term again, and it stays in the list
-        // (unresolved). This is meant.
+        // Also after a failure: the term is not checked again and stays in the list, unresolved;
+        // pinned by `Validation.TermThatFailedInTheCheckOfAnotherStaysWithoutReport`.
         term->configChecked = true;
     }
     if (!valid)
@@ -123,7 +123,8 @@ bool TermVariable::check_config(const TermList* termsList)
 
 QString TermVariable::dumpData(bool) const
 {
-    // The closing tag stands twice and the opening one once; this form is meant.
+    // One opening tag and two closing ones; pinned by
+    // `TermDump.unresolved_reference_closes_its_tag_twice`.
     const QString name = dumpDataSetMaxMin(ExprRuleStr);
     return name + QLatin1String("<simpleTerm>") + name + QLatin1String("</simpleTerm>") +
            (simpleTerm ? simpleTerm->dumpData(false) : QStringLiteral("not found")) +

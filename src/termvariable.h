@@ -5,20 +5,20 @@
 
 /// A reference by name to another term of the rule set.
 ///
-/// check_config() resolves it; from then on every question and every match is passed on to the term
-/// it refers to.
+/// check_config() resolves it. From then on every question and every match goes to the term to
+/// which it refers.
 class TermVariable : public TermStd
 {
 public:
-    /// Refers to the term named by the rule text of @p record (not null, copied). The record's name
-    /// is that of the definition in which the reference stands.
+    /// Refers to the term whose name is the rule text of @p record (not null, copied). The record's
+    /// name is that of the definition that contains the reference.
     explicit TermVariable(const ConfigInfo* record);
 
     int type() const override;
     int calculateOfLengthData(bool withRepeat) const override;
 
-    /// Looks the name up in @p termsList and has the term found checked, if nobody did so before.
-    /// Reports and refuses loops, references to itself, names that are not there and invalid terms.
+    /// Looks the name up in @p termsList and checks the term found, unless it was checked before.
+    /// Reports and refuses loops, references to itself, unknown names and invalid terms.
     bool check_config(const TermList* termsList) override;
 
     QString dumpData(bool topLevel) const override;
@@ -31,7 +31,7 @@ public:
     int real_parse(const QChar* data) override;
 
     TermStd* simpleTerm = nullptr; ///< the term referred to, not owned; null until resolved
-    bool loopGuard = false;        ///< set while a call is being passed on
+    bool loopGuard = false;        ///< set during a call of the term referred to
 
 private:
     void report(const QString& text, FindingKind kind) const;

@@ -11,7 +11,7 @@ struct Range
     char16_t last;
 };
 
-// Letters and ideographs, with which a name may begin: what all editions of XML 1.0 have in common.
+// Letters and ideographs, with which a name may begin: those that all editions of XML 1.0 allow.
 // clang-format off
 constexpr Range StartRanges[] = {
     {0xc0, 0xd6}, {0xd8, 0xf6}, {0xf8, 0x131}, {0x134, 0x13e}, {0x141, 0x148}, {0x14a, 0x17e},
@@ -57,7 +57,7 @@ constexpr Range StartRanges[] = {
     {0xac00, 0xd7a3},
 };
 
-// What a name may hold behind its first character besides: combining characters, digits, extenders.
+// Further characters that a name may have after its first: combining characters, digits, extenders.
 constexpr Range FurtherRanges[] = {
     {0xb7, 0xb7}, {0x2d0, 0x2d1}, {0x300, 0x345}, {0x360, 0x361}, {0x387, 0x387}, {0x483, 0x486},
     {0x591, 0x5a1}, {0x5a3, 0x5b9}, {0x5bb, 0x5bd}, {0x5bf, 0x5bf}, {0x5c1, 0x5c2},

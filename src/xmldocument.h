@@ -6,17 +6,16 @@
 #include <string_view>
 #include <utility>
 
-/// An output document: its bytes in UTF-8, with a null byte behind them, in memory made with new[].
+/// An output document: its bytes in UTF-8 and a null byte after them, in memory from new[].
 ///
-/// That is the form in which the caller of the library gets it, so that a large document is given
-/// on without a copy.
+/// The caller of the library gets it in this form, so a large document needs no copy.
 class XmlDocument
 {
 public:
     /// No document.
     XmlDocument() = default;
 
-    /// Takes over @p bytes, which hold @p size bytes and the null byte.
+    /// Takes over @p bytes: @p size bytes and the null byte.
     XmlDocument(std::unique_ptr<char[]> bytes, std::size_t size)
         : m_bytes(std::move(bytes)), m_size(size)
     {

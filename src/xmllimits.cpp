@@ -20,15 +20,15 @@ using XmlLimits::Limit;
 
 constexpr std::string_view CommentBegin = "<!--";
 
-// What the content of a file of @p bytes may come to, in characters. What small files make of
-// their entities harms nobody.
+// The most characters that a file of @p bytes may have as content. Small files may grow as they
+// like: that does no harm.
 double allowedCharacters(std::size_t bytes)
 {
     constexpr double Harmless = 4e6;
     return Harmless + XmlLimits::MaxGrowth * static_cast<double>(bytes);
 }
 
-// The texts that a document type defines: entities, and default attributes.
+// The texts that a document type defines: entities and default attributes.
 class DefinedTexts
 {
 public:
@@ -39,8 +39,8 @@ public:
         m_typeReferences += std::count(text.begin(), text.end(), '%');
     }
 
-    // The most characters that a reference to one may stand for. The readers refuse an entity in
-    // the text of another one that comes to more than 4096 itself, unless it is a text as such.
+    // The most characters that one reference may stand for. If an entity is used inside another one
+    // and has references itself, the readers refuse it above 4096 characters.
     double longestReplacement() const
     {
         constexpr std::size_t LongestInner = 4096;
@@ -53,18 +53,18 @@ public:
 private:
     std::size_t m_longest = 0;
     std::ptrdiff_t m_references = 0;
-    std::ptrdiff_t m_typeReferences = 0; // to what is defined for the document type only
+    std::ptrdiff_t m_typeReferences = 0; // to entities for use inside the document type
 };
 
-// Looks at the tags and the document type of a file, which costs nothing beside reading them. In
-// plain content that shows all: in an encoding that holds ASCII as it is, and without a document
-// type, whose entities may hold elements. That is what rule files are.
+// Looks at the tags and the document type of a file, which costs next to nothing compared with
+// parsing it. For plain content that is enough: if the encoding keeps ASCII as it is, and if there
+// is no document type (its entities may contain elements). Rule files are plain.
 class TagScan
 {
 public:
     explicit TagScan(std::string_view xml) : m_xml(xml) {}
 
-    // Of malformed content only the beginning counts: a reader stops there.
+    // Stops where the content is malformed, as a reader does.
     void run()
     {
         while (!m_excess && (m_pos = m_xml.find('<', m_pos)) < m_xml.size()) {
@@ -79,10 +79,10 @@ public:
         }
     }
 
-    // What exceeds a limit. Elements that are too deep are left to the reader.
+    // The limit that is exceeded, if any. The depth is left to the reader.
     const std::optional<Excess>& excess() const { return m_excess; }
 
-    // False if the reader may see more than what was looked at.
+    // False if the reader may see more than was looked at here.
     bool isPlain() const { return m_isPlain && m_isAscii; }
 
 private:
@@ -113,12 +113,12 @@ private:
 
     void readComment()
     {
-        m_pos += CommentBegin.size(); // its hyphens do not belong to the end: "<!-->"
+        m_pos += CommentBegin.size(); // its hyphens are no part of the end: "<!-->"
         skipBehind("-->");
     }
 
-    // One that may be the declaration of an encoding matters, unless it is UTF-8: in others, such
-    // as UTF-7 and EBCDIC, tags may look like anything.
+    // Only a declaration of an encoding other than UTF-8 matters: in some encodings, such as UTF-7
+    // and EBCDIC, tags may look like anything.
     void readInstruction()
     {
         const std::size_t begin = m_pos;
@@ -176,7 +176,7 @@ private:
             setExcess(Limit::Growth);
     }
 
-    // From a quote to behind the same quote; returns the text between them.
+    // Moves from a quote past the next one of the same kind; returns the text between them.
     std::string_view readQuoted()
     {
         const std::string_view quote = m_xml.substr(m_pos++, 1);
@@ -232,8 +232,8 @@ private:
     std::optional<Excess> m_excess;
 };
 
-// What is not plain is read by the reader that QDomDocument uses: another one may take for
-// malformed, and leave, what this one reads on.
+// Content that is not plain goes through the same reader that QDomDocument uses. Another reader
+// might stop early, at a place that it takes for malformed.
 
 #if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
 
@@ -281,10 +281,10 @@ QT_WARNING_POP
 
 #else
 
-// Where the document type gives default attributes to elements, the reader puts them in.
+// The reader adds the default attributes that the document type defines.
 double charactersOf(const QXmlStreamReader& element)
 {
-    constexpr qsizetype OfEachAttribute = 64; // that much work they make besides
+    constexpr qsizetype OfEachAttribute = 64; // for the work that each one costs besides
     qsizetype result = element.qualifiedName().size() + element.namespaceUri().size();
     const QXmlStreamAttributes attributes = element.attributes();
     for (const QXmlStreamAttribute& attribute : attributes)
@@ -316,7 +316,7 @@ std::optional<Excess> readToExcess(const QByteArray& xml)
 
 #endif
 
-// UTF-16 and UTF-32 without their zeros: the signs of XML are what they are in ASCII.
+// UTF-16 and UTF-32 without their zeros: the markup of XML is then as in ASCII.
 std::string withoutZeros(const QByteArray& xml)
 {
     std::string narrow(xml.cbegin(), xml.cend());

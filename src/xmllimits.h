@@ -5,9 +5,9 @@
 
 #include <optional>
 
-/// Guards QDomDocument against files that cost it far more than their size: it goes through its
-/// elements by recursion, compares each attribute of an element with all others, and holds what a
-/// document type puts in as often as it is put in. No rule file comes near the limits.
+/// Protects QDomDocument from files that cost it far more than their size: it goes through its
+/// elements by recursion, compares each attribute of an element with all others, and stores the
+/// text of an entity again for each reference. No rule file comes near the limits.
 namespace XmlLimits {
 
 /// Levels of elements. Rule files need three.
@@ -19,13 +19,13 @@ constexpr int MaxAttributes = 250;
 /// Bytes of the declarations in a document type. Rule files need none.
 constexpr int MaxTypeSize = 8192;
 
-/// How many times the file the content may be, in characters, with entities and default attributes
-/// put in.
+/// How many times as long as the file the content may be, in characters, with entities and default
+/// attributes put in.
 constexpr int MaxGrowth = 16;
 
 enum class Limit { Depth, Attributes, TypeSize, Growth };
 
-/// A limit that is exceeded, and where, as the XML reader counts places.
+/// A limit that is exceeded, and the place, counted as the XML reader does.
 struct Excess
 {
     Limit limit;
@@ -33,10 +33,10 @@ struct Excess
     qint64 column;
 };
 
-/// What exceeds a limit in @p xml (a file's content in any encoding); nothing if nothing does, or
-/// if the content breaks off or is malformed before it. Of an encoding in which the signs of XML
-/// are other bytes than in ASCII (UTF-7 is one) it sees the depth, and of the others what the
-/// reader tells.
+/// The first place in @p xml (a file's content in any encoding) that exceeds a limit. Nothing if
+/// there is none, or if the content ends or is malformed before it. In an encoding whose markup has
+/// other bytes than in ASCII (UTF-7 is one), the depth is checked, and of the other limits only
+/// what the reader tells.
 std::optional<Excess> firstExcess(const QByteArray& xml);
 
 } // namespace XmlLimits

@@ -11,22 +11,22 @@ namespace {
 
 constexpr char32_t Replacement = 0xfffd;
 
-// The most bytes that one UTF-16 unit becomes in text or attribute value ("&quot;"), and in a name
-// ("_x002F_"; a pair of surrogates takes less for each).
+// The most bytes for one UTF-16 unit in a text or an attribute value ("&quot;"), and in a name
+// ("_x002F_"; a pair of surrogates takes less per unit).
 constexpr qsizetype MaxBytesPerUnit = 6;
 constexpr qsizetype MaxNameBytesPerUnit = 7;
 
 // The units of text for which room is made at once.
 constexpr qsizetype ChunkUnits = 4096;
 
-// What an ASCII character may do without further questions.
+// Where an ASCII character can be written as it is, without further checks.
 enum AsciiBit : unsigned char { PlainInText = 1, PlainInAttribute = 2, NameStart = 4, Name = 8 };
 
 constexpr std::array<unsigned char, 128> makeAsciiTable()
 {
     std::array<unsigned char, 128> table{};
     for (char32_t c = 0; c < table.size(); ++c) {
-        // '>' is escaped only behind "]]", which is a further question.
+        // '>' is escaped only after "]]", so it needs a further check.
         const bool plain = c >= 0x20 && c != U'&' && c != U'<' && c != U'>';
         if (plain || c == U'\t' || c == U'\n')
             table[c] |= PlainInText;
@@ -47,8 +47,7 @@ bool isAscii(QChar c, AsciiBit bit)
     return c.unicode() < AsciiTable.size() && (AsciiTable[c.unicode()] & bit) != 0;
 }
 
-// The code point that begins at `in`, moving `in` behind it. A lone surrogate is its own code
-// point.
+// The code point that begins at `in`; moves `in` past it. A lone surrogate counts as a code point.
 char32_t takeCodePoint(const QChar*& in, const QChar* end)
 {
     const QChar c = *in++;
@@ -57,7 +56,7 @@ char32_t takeCodePoint(const QChar*& in, const QChar* end)
     return c.unicode();
 }
 
-// Not for ASCII, of which every character that stands as it is was written before.
+// Not for ASCII: all of its characters that need no escape have been written before.
 char* putUtf8(char* out, char32_t c)
 {
     const auto byte = [](char32_t bits) {
@@ -105,8 +104,8 @@ char* putName(char* out, QStringView name)
     return out;
 }
 
-// The escape of a character that is not plain at its place (quote, tab and line feed are plain in
-// text); empty if it needs none.
+// The escape of a character that is not plain where it stands (quote, tab and line feed are plain
+// in text); empty if it needs none.
 std::string_view escapeFor(char32_t c)
 {
     switch (c) {
@@ -127,8 +126,8 @@ std::string_view escapeFor(char32_t c)
     }
 }
 
-// Writes text[from, to) and returns the end; text before `from` tells whether a '>' ends "]]>".
-// Moves `from` behind what was written: behind `to` if that lies within a pair of surrogates.
+// Writes text[from, to) and returns the end. The text before `from` tells whether a '>' ends "]]>".
+// Moves `from` past what was written: past `to` if `to` is between the halves of a surrogate pair.
 char* putEscaped(char* out, QStringView text, qsizetype* from, qsizetype to, bool inAttribute)
 {
     const AsciiBit plain = inAttribute ? PlainInAttribute : PlainInText;
@@ -136,7 +135,7 @@ char* putEscaped(char* out, QStringView text, qsizetype* from, qsizetype to, boo
     const QChar* const stop = begin + to;
     const QChar* in = begin + *from;
     while (in < stop) {
-        // Four at a time, since nearly all of a text is plain.
+        // Four at a time, since nearly all characters of a text are plain.
         while (stop - in >= 4 && isAscii(in[0], plain) && isAscii(in[1], plain) &&
                isAscii(in[2], plain) && isAscii(in[3], plain)) {
             for (int i = 0; i < 4; ++i)
@@ -167,7 +166,7 @@ char* putEscaped(char* out, QStringView text, qsizetype* from, qsizetype to, boo
 XmlWriter::XmlWriter(qsizetype expectedSize)
 {
     useSmallBuffer();
-    // The document may be smaller than expected: asking for very much must not fail.
+    // The document may be smaller than expected: a very large estimate must not fail.
     constexpr qsizetype most = qsizetype(1) << 30;
     room(std::min(expectedSize, most));
 }
@@ -178,7 +177,7 @@ void XmlWriter::useSmallBuffer()
     m_end = m_begin + m_small.size();
 }
 
-// Moves to a buffer in which `bytes` more bytes fit.
+// Moves to a buffer with room for `bytes` more bytes.
 void XmlWriter::grow(qsizetype bytes)
 {
     const auto used = static_cast<size_t>(size());
@@ -254,7 +253,7 @@ void XmlWriter::text(QStringView text)
         m_out = out + 1;
     }
     element.lastContent = Content::Text;
-    // In chunks, since six times the whole of a long text is more room than it needs.
+    // In chunks, since a long text as a whole does not need room for six times its length.
     for (qsizetype from = 0; from < text.size();) {
         const qsizetype to = std::min(from + ChunkUnits, text.size());
         char* const out = room((to - from + 1) * MaxBytesPerUnit);
@@ -267,8 +266,8 @@ XmlDocument XmlWriter::takeDocument()
     char* const end = copyBytes(room(2), {"\n\0", 2});
     const auto size = static_cast<size_t>(end - m_begin);
     std::unique_ptr<char[]> bytes = std::move(m_large);
-    // The copy spares the caller the unused rest of the buffer. That of a very large one never
-    // became memory, and a tenth of the conversion would go into the copy.
+    // A copy, so that the caller does not hold the unused rest of the buffer. The unused rest of a
+    // very large buffer takes no memory, and its copy would cost a tenth of the conversion.
     if (size < LargeMemory::LargeBlock) {
         std::unique_ptr<char[]> copy(new char[size]);
         std::memcpy(copy.get(), m_begin, size);

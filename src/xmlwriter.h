@@ -13,7 +13,7 @@
 #include <memory>
 #include <string_view>
 
-/// Copies @p bytes to @p out, where there is room for them. Returns the end of the copy.
+/// Copies @p bytes to @p out, which has room for them. Returns the end of the copy.
 inline char* copyBytes(char* out, std::string_view bytes)
 {
     std::memcpy(out, bytes.data(), bytes.size());
@@ -26,28 +26,28 @@ inline char* copyBytes(char* out, std::string_view bytes)
 /// its own unless text stands before it. Attributes come in the order of the calls, so the same
 /// calls always give the same bytes.
 ///
-/// The document is well-formed whatever the message holds. A character that XML cannot carry is
-/// written as U+FFFD; in an element name each character that a name without prefix may not hold at
-/// its place (in one of the editions of XML 1.0) is written as _xHHHH_, its code point in four or
-/// more upper-case hexadecimal digits.
+/// The document is well-formed whatever the message contains. A character that XML does not allow
+/// is written as U+FFFD. In an element name, each character that any edition of XML 1.0 forbids at
+/// its place in a name without prefix is written as _xHHHH_: its code point in four or more
+/// upper-case hexadecimal digits.
 ///
-/// How it works: each operation asks once for all the room that it can need (room()), writes
-/// without further checks and tells where it ended (m_out).
+/// How it works: each operation asks once for all the room that it may need (room()), writes
+/// without further checks and sets m_out to where it ended.
 class XmlWriter
 {
 public:
-    /// A writer for a document of about @p expectedSize bytes. It takes the memory for a large
+    /// A writer for a document of about @p expectedSize bytes. It allocates the memory for a large
     /// document at once.
     explicit XmlWriter(qsizetype expectedSize);
 
     /// Opens an element in the current one. @p name must not be empty.
     void startElement(QStringView name);
 
-    /// Adds an attribute to the element just opened, before any text or element in it. @p name, and
-    /// a value of single bytes, are ASCII and need no escaping.
+    /// Adds an attribute to the element just opened, before any text or element in it. @p name is
+    /// ASCII and needs no escaping; nor does a value of type std::string_view.
     void attribute(std::string_view name, QStringView value);
 
-    // These two stand here to be inlined: with names and values known, they are a few moves.
+    // These two are inlined: with known names and values they become a few moves.
     void attribute(std::string_view name, std::string_view value)
     {
         char* out = room(static_cast<qsizetype>(name.size() + value.size()) + AttributeSigns);
@@ -92,7 +92,7 @@ private:
         return copyBytes(copyBytes(out, name), "=\"");
     }
 
-    // Where to write, with room for so many bytes.
+    // Returns where to write; there is room for `bytes` bytes.
     char* room(qsizetype bytes)
     {
         if (bytes > m_end - m_out)
@@ -107,14 +107,14 @@ private:
 
     static constexpr qsizetype IndentWidth = 4;
 
-    // A usual document is written here, and then copied to memory of its size; one that does not
-    // fit is written to m_large.
+    // A usual document is written here and then copied to memory of its size. A document that does
+    // not fit is written to m_large.
     std::array<char, 32768> m_small;
     std::unique_ptr<char[]> m_large;
 
     char* m_begin; // of the buffer in use
     char* m_out;   // where to write next in it
-    char* m_end;   // behind its last byte
+    char* m_end;   // after its last byte
     QVarLengthArray<OpenElement, 16> m_open;
 };
 

@@ -29,8 +29,9 @@
 
 namespace {
 
-// A file opened later must not become standard output or standard error because the caller closed
-// that one. Each is opened the wrong way round, so that using it stays an error.
+// If the caller has closed a standard stream, a file opened later would take its number, and get
+// what is meant for the stream. So the number is taken here. The input is opened for writing and
+// the outputs for reading: using them still fails.
 void fillClosedStandardStreams()
 {
     for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
@@ -38,8 +39,8 @@ void fillClosedStandardStreams()
             open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
 }
 
-// Reports are debug messages of Qt, which the environment (QT_LOGGING_RULES) and the qtlogging.ini
-// of some systems switch off. A message with faults must not pass for one without.
+// Reports are debug messages of Qt. The environment (QT_LOGGING_RULES) or the qtlogging.ini of some
+// systems may switch these off, and a message with faults would then look like one without.
 void letReportsThrough()
 {
     static const QLoggingCategory::CategoryFilter before =
@@ -57,12 +58,11 @@ void prepareProcess()
 {
     letReportsThrough();
     fillClosedStandardStreams();
-    // A closed pipe and a reached file size limit shall be errors of writing. These calls cannot
-    // fail.
+    // A closed pipe and the file size limit become errors of writing. These calls cannot fail.
     static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
     static_cast<void>(std::signal(SIGXFSZ, SIG_IGN));
-    // The encoding of file names, for Qt 5; if there is no such locale it stays "C". Qt 6 has UTF-8
-    // always.
+    // The encoding of file names, for Qt 5; without such a locale it stays "C". Qt 6 always has
+    // UTF-8.
     static_cast<void>(std::setlocale(LC_CTYPE, ""));
 }
 
@@ -72,7 +72,7 @@ struct Subcommand
     std::function<ExitCode()> run;
 };
 
-// What add() makes of the command line is what run() takes.
+// add() puts the command line into the options, and run() gets them.
 template <typename Options>
 Subcommand subcommand(CLI::App* app, CLI::App* (*add)(CLI::App*, Options*),
                       ExitCode (*run)(const Options&))
@@ -82,9 +82,9 @@ Subcommand subcommand(CLI::App* app, CLI::App* (*add)(CLI::App*, Options*),
 }
 
 constexpr const char* Footer =
-    "Each subcommand has a --help and a manual page, man adexp-convert for example. Beside bin/,\n"
-    "where this command is installed, rule files to copy and change lie in share/adexp/rules,\n"
-    "their schemas in share/adexp/schemas, documents and sample messages in share/doc.\n"
+    "Each subcommand has a --help and a manual page, for example man adexp-convert. This command\n"
+    "is installed in bin/. The folder share/ beside it has rule files to copy and change in\n"
+    "adexp/rules, their schemas in adexp/schemas, documents and sample messages in doc.\n"
     "\n"
     "Examples:\n"
     "  adexp convert plan.adexp > plan.xml\n"

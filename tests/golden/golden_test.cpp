@@ -46,7 +46,7 @@ const QStringList RuleFiles = {SettingsFile, QStringLiteral("simpleterms.xml"),
 struct Case
 {
     QString name;            ///< unique, letters, digits and underlines
-    QString messageFile;     ///<
+    QString messageFile;     ///< the message
     QString documentFile;    ///< not there when the message gives no document
     QString diagnosticsFile; ///< always there, empty when nothing is reported
     QString settingsFile;    ///< names the rule set
@@ -193,8 +193,8 @@ void compareOrUpdate(const QString& file, const std::optional<QByteArray>& actua
         ADD_FAILURE() << unifiedDiff(file, actual.value_or(QByteArray()));
 }
 
-// Two readers look at each document, as they know different editions of XML: libxml2 the latest, Qt
-// the one before it. Both return what is wrong, nothing if nothing is.
+// Two readers check each document, since they know different editions of XML 1.0: libxml2 the
+// latest, Qt the one before it. Both return the error, or nothing.
 
 std::string libxmlError(const QByteArray& document)
 {

@@ -93,7 +93,7 @@ TEST(HostileMatching, HugeRepeatCountsCostWhatTheTextCosts)
             },
             1000, 54);
     }
-    // Nothing, as often as there are numbers, is nothing.
+    // A repeat that matches nothing stops at once, whatever its counts are.
     for (const char* text : {"{NIL}2147483647", "2147483647{DIGIT}2147483647", "{SEP}2147483647"})
         EXPECT_EQ(match(QString::fromLatin1(text), 1000, QStringLiteral("1"), 0),
                   1000 + qstrlen(text));
@@ -187,7 +187,7 @@ TEST(HostileDefinitions, AStarOfLoopsIsCheckedInStepsInProportionToItsSize)
         1000, 155.4);
 }
 
-// Each names the one before twice.
+// Each definition names the one before twice.
 TEST(HostileDefinitions, DoublingsAreCheckedInStepsInProportionToTheirNumber)
 {
     expectLinear(
@@ -252,7 +252,7 @@ TEST_P(HostileNestedRepeats, TakeNoMoreThanTheStepsThatThereAre)
             term->parse(text.constData());
             areExhausted = steps.areExhausted();
         });
-        // A repetition is a look at some terms, and a look some branches.
+        // A repetition tries some terms, and each of them takes some branches.
         EXPECT_LE(static_cast<double>(taken), 60 * allowed) << levels << " levels";
         if (levels != 4) {
             EXPECT_EQ(areExhausted, levels > 4) << levels << " levels";

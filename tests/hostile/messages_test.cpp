@@ -68,7 +68,6 @@ TEST_P(HostileMessages, TakeStepsInProportionToTheirSize)
 INSTANTIATE_TEST_SUITE_P(, HostileMessages, testing::ValuesIn(HostileShapes),
                          [](const auto& shape) { return std::string(shape.param.name); });
 
-// Two hundred million bytes, and a thread with a small stack.
 TEST(HostileMessageSize, MayBeTwoHundredMegabytes)
 {
     const BuiltInRules rules;

@@ -120,7 +120,7 @@ TEST(HostileRuleFiles, EntitiesOfTheFileItselfAreReplaced)
     EXPECT_EQ(loaded.ruleText, QStringLiteral("DIGIT ALPHA"));
 }
 
-// A pipe that nobody writes to: who opens it waits, and this test with it.
+// A pipe to which nobody writes: opening it would wait for ever, and so would this test.
 TEST(HostileRuleFiles, NoOtherFileIsRead)
 {
     const RuleFolder folder;

@@ -1,4 +1,4 @@
-// That the counter counts, so that the other tests say something.
+// The counter counts; otherwise the other tests would show nothing.
 
 #include "hostile/steps.h"
 

@@ -1,5 +1,5 @@
-// A program that knows nothing of the library but its header: writes the documents of the message
-// files named by its arguments to standard output, under the embedded rule set.
+// A program that knows only the header of the library. Its arguments name message files; it
+// converts them with the built-in rule set and writes the documents to standard output.
 
 #include "adexp.h"
 

@@ -1,14 +1,17 @@
 # The same messages must give the same bytes in every process: nothing may depend on the order of
-# Qt's hash tables, which changes from process to process.
+# Qt's hash tables, which is different in each process.
 #
-#   cmake -DPROGRAM=<convertfiles> -DMESSAGES=<folder> -P <this file>
+#   cmake -DPROGRAM=<convertfiles> -DMESSAGES=<folder>;<folder> -P <this file>
 
-# The folder may have brackets in its name, which a pattern would take for its own.
-string(REGEX REPLACE "([][*?])" "[\\1]" pattern "${MESSAGES}/")
-file(GLOB messages LIST_DIRECTORIES false ${pattern}*)
-if(NOT messages)
-    message(FATAL_ERROR "no messages in ${MESSAGES}")
-endif()
+foreach(folder IN LISTS MESSAGES)
+    # The name of the folder may hold brackets, which a pattern would take for its own.
+    string(REGEX REPLACE "([][*?])" "[\\1]" pattern "${folder}/")
+    file(GLOB_RECURSE found ${pattern}*.adexp)
+    if(NOT found)
+        message(FATAL_ERROR "no messages in ${folder}")
+    endif()
+    list(APPEND messages ${found})
+endforeach()
 
 function(convert variable)
     execute_process(COMMAND ${CMAKE_COMMAND} -E env ${ARGN} ${PROGRAM} ${messages}

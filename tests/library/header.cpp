@@ -1,2 +1,2 @@
-// Nothing but the header: it needs no other one before it.
+// Only the header: it needs no other header before it.
 #include "adexp.h"

@@ -1,4 +1,4 @@
-# Compares what a built library shows to the linker with what it is meant to show.
+# Compares the symbols that a built library exports with the list of those that it should export.
 #
 #   cmake -DLIBRARY=<file> -DNM=<nm> -DREADELF=<readelf> -DSYMBOLS=<list> -DSONAME=<name> -P <this file>
 

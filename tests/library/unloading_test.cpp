@@ -1,13 +1,13 @@
 // Loads the library at run time, uses it and unloads it, again and again. Each round must leave the
 // process as it was: the host of a plug-in may do this for weeks.
 //
-// Arguments: the library, then libraries which stay loaded all the time. These are meant to be
-// Qt's, as Qt itself leaves some memory behind whenever it is unloaded.
+// Arguments: the library, then the libraries of Qt. These stay loaded all the time, since Qt leaves
+// some memory behind whenever it is unloaded.
 //
-// To be run with GLIBC_TUNABLES=glibc.malloc.tcache_count=0: released blocks that the allocator
-// keeps for the thread would count as in use.
+// Run it with GLIBC_TUNABLES=glibc.malloc.tcache_count=0: otherwise released blocks that the
+// allocator keeps for the thread would count as in use.
 //
-// Linked with nothing but the dynamic loader.
+// The program is linked only with the dynamic loader.
 
 #include <dlfcn.h>
 #include <malloc.h>

@@ -576,7 +576,7 @@ QString Grammar::dump(const Term& term, bool topLevel) const
         const Term* definition = find(term.text);
         return name + QStringLiteral("<simpleTerm>") + name + QStringLiteral("</simpleTerm>") +
                (definition ? dump(*definition, false) : QStringLiteral("not found")) +
-               QStringLiteral("</simpleTerm>"); // the second closing tag is meant
+               QStringLiteral("</simpleTerm>"); // two closing tags, see TermVariable::dumpData()
     }
     case Kind::Group:
         break;

@@ -3,8 +3,8 @@
 
 /// The heap of the whole process, counted, with failures on demand.
 ///
-/// A program that is linked with this has malloc() and its kin replaced, for itself and for all its
-/// libraries; operator new of the runtime library ends there too. Not for use from several threads.
+/// In a program that is linked with this, malloc() and the related functions are replaced, also for
+/// all its libraries; operator new of the runtime library calls them, too. For one thread only.
 namespace CountedHeap {
 
 /// How many allocations fail.
@@ -32,7 +32,7 @@ void failAt(long number, Failures failures);
 /// that have failed.
 long stopFailing();
 
-/// While an object of this class lives, allocations are none of those that failAt() counts.
+/// While an object of this class exists, failAt() does not count allocations.
 class Spared
 {
 public:

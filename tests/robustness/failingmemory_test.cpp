@@ -1,5 +1,5 @@
-// Memory that runs out, at every place where the library takes some: nothing is thrown at the
-// caller, nothing is lost, and the next call works as if nothing had been.
+// Memory runs out at every place where the library allocates some: no exception reaches the caller,
+// nothing is lost, and the next call works as if nothing had happened.
 
 #include "countedheap.h"
 #include "host.h"
@@ -30,7 +30,7 @@ const std::string Good = "-TITLE IFPL -ARCID EIN21K -BEGIN RTEPTS -PT -PTID BEPA
 const std::string Faulty =
     "stray -TITLE IFPL - ARCID E%% -NOSUCHFIELD X - -BEGIN RTEPTS -PT -PTID TOOLONG -END WRONG";
 
-// Many fields, and data that no memory on the stack holds.
+// Many fields, and data that does not fit into the buffers on the stack.
 std::string largeMessage()
 {
     std::string message = "-TITLE IFPL -ARCID EIN21K -BEGIN RTEPTS";
@@ -54,7 +54,7 @@ bool operator==(const Outcome& a, const Outcome& b)
            a.document == b.document && a.reports == b.reports;
 }
 
-// All over again, with the memory that it needs.
+// The same again, with enough memory.
 Outcome outcome(const std::string& settings, const std::string& message)
 {
     DiagnosticCapture diagnostics;

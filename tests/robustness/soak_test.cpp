@@ -23,8 +23,8 @@ constexpr int Conversions = 1000000;
 constexpr int Loads = 1000;
 constexpr int WarmUpLoads = 20;
 constexpr int Samples = 100;
-// Over hundreds of loads the allocator still spreads a little. That no block is lost is checked by
-// their number; this is for memory that comes from elsewhere.
+// Over hundreds of loads the allocator still takes a little more. Lost blocks show in their number;
+// this limit is for memory that does not come from the heap.
 constexpr double AllowedBytes = 1024 * 1024;
 
 void ignore(QtMsgType, const QMessageLogContext&, const QString&) {}
@@ -79,12 +79,12 @@ int main(int argc, char** argv)
     const auto convertNext = [&](int i) {
         documents += convert(messages[static_cast<size_t>(i) % messages.size()]) != "null";
     };
-    // The rule for a message is indexed by its first conversion, so always the same one follows.
+    // The first conversion makes the index of its rule, so the same message always follows.
     const auto loadAgain = [&](int) {
         init();
         convertNext(3);
     };
-    // Until everything that is kept for good is there.
+    // First everything that is kept for good is made.
     const auto convertAll = [&] {
         for (int i = 0; i < static_cast<int>(messages.size()); ++i)
             convertNext(i);

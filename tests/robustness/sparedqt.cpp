@@ -1,8 +1,8 @@
-// The two operations of Qt that do not survive a single failing allocation: it ends the process, or
-// leaves memory behind. The library asks for their memory before it calls them, so that they do not
-// meet a failure when memory runs out; a test that lets any allocation fail has to spare them.
+// Two operations of Qt do not survive a single failing allocation: it ends the process, or leaks.
+// The library makes sure of their memory before it calls them, so they do not fail when memory runs
+// out. A test that lets any allocation fail must spare them.
 //
-// They are called through these functions, which have the names of Qt's.
+// They are called through these functions, which have the same names as those of Qt.
 
 #include "countedheap.h"
 

@@ -3,6 +3,7 @@
 #include "host.h"
 
 #include "support/diagnosticcapture.h"
+#include "support/hostilemessages.h"
 #include "support/smallstack.h"
 
 #include <gtest/gtest.h>
@@ -41,6 +42,22 @@ TEST(Threads, LoadingAndConvertingNeedLittleStack)
     clear_adexp();
 }
 
+TEST(Threads, HostileMessagesNeedLittleStack)
+{
+    const DiagnosticCapture diagnostics;
+    for (const HostileShape& shape : HostileShapes) {
+        SCOPED_TRACE(shape.name);
+        const std::string message = hostileMessage(shape, 20000);
+        std::string document;
+        runWithSmallStack([&] {
+            EXPECT_EQ(init(), 0);
+            document = convert(message);
+            clear_adexp();
+        });
+        EXPECT_NE(document, "null");
+    }
+}
+
 // One call at a time, but each may come from another thread.
 TEST(Threads, EachCallMayComeFromAnotherThread)
 {
@@ -61,26 +78,43 @@ void endThread(QtMsgType, const QMessageLogContext&, const QString&)
     pthread_exit(nullptr);
 }
 
-// An end that did not pass through the library would be the end of the process.
-TEST(Threads, ThreadMayEndInsideACall)
+void cancelThread(QtMsgType, const QMessageLogContext&, const QString&)
+{
+    pthread_cancel(pthread_self());
+    pthread_testcancel();
+}
+
+// Converts in a thread that the message handler ends. If the library caught that, the process would
+// end.
+void endInsideACall(QtMessageHandler handler, void* expectedResult)
 {
     ASSERT_EQ(init(), 0);
     const std::string faulty = "-TITLE IFPL stray -ARCID EIN21K";
-    const QtMessageHandler before = qInstallMessageHandler(endThread);
+    const QtMessageHandler before = qInstallMessageHandler(handler);
     pthread_t thread;
     const auto convertFaulty = [](void* message) -> void* {
         convert(*static_cast<const std::string*>(message));
         return message; // not reached
     };
-    void* result = nullptr;
+    void* result = const_cast<std::string*>(&faulty);
     ASSERT_EQ(pthread_create(&thread, nullptr, convertFaulty, const_cast<std::string*>(&faulty)),
               0);
     ASSERT_EQ(pthread_join(thread, &result), 0);
     qInstallMessageHandler(before);
-    EXPECT_EQ(result, nullptr);
+    EXPECT_EQ(result, expectedResult);
     const DiagnosticCapture diagnostics;
     EXPECT_NE(convert(faulty), "null");
     clear_adexp();
+}
+
+TEST(Threads, ThreadMayEndInsideACall)
+{
+    endInsideACall(endThread, nullptr);
+}
+
+TEST(Threads, ThreadMayBeCancelledInsideACall)
+{
+    endInsideACall(cancelThread, PTHREAD_CANCELED);
 }
 
 } // namespace

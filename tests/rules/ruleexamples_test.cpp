@@ -86,7 +86,7 @@ std::string testNameOf(const Record& record, std::set<std::string>* taken)
     std::replace_if(
         name.begin(), name.end(),
         [](unsigned char c) { return c >= 128 || (std::isalnum(c) == 0 && c != '_'); }, '_');
-    // A doubled record is for the loading test to complain about, it must not end the run here.
+    // The loading test reports a doubled record; it must not end the run here.
     while (!taken->insert(name).second)
         name += "_again";
     return name;

@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <string>
 
-/// Messages made to cost as much as they can, for the built-in rule set. Each is one thing many
-/// times over.
+/// Messages made to cost as much as they can, for the built-in rule set. Each repeats one thing
+/// many times.
 struct HostileShape
 {
     const char* name;

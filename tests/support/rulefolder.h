@@ -87,7 +87,7 @@ private:
     QTemporaryDir m_folder;
 };
 
-/// Sets the working directory; the one before is back when the object goes away.
+/// Sets the working directory, and sets the previous one again when the object is destroyed.
 class WorkingDirectory
 {
 public:

@@ -7,7 +7,7 @@
 
 #include <pthread.h>
 
-/// The stack that is promised to suffice, in bytes.
+/// The stack that is enough by promise, in bytes.
 #if defined(__SANITIZE_ADDRESS__)
 constexpr size_t SmallStack = 2048 * 1024; // the sanitizer makes each frame several times as large
 #else

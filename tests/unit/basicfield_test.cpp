@@ -1,4 +1,4 @@
-// Fields with data: where the data ends, and how it is held against the definition.
+// Fields with data: where the data ends, and how it is matched against the definition.
 
 #include "adexpdoc.h"
 

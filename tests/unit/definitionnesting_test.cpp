@@ -1,8 +1,10 @@
-// How deep definitions may nest, and that nothing deeper than that takes the stack away.
+// How deep definitions may nest, and that nothing deeper than that uses up the stack.
 
 #include "support/diagnosticcapture.h"
+#include "support/grammar.h"
 #include "support/smallstack.h"
 
+#include "adexpdoc.h"
 #include "definitionnesting.h"
 #include "mainclass.h"
 #include "termexpression.h"
@@ -109,7 +111,7 @@ TEST(DefinitionNesting, AChainOfReferencesUpToTheLimitMatches)
     }
 }
 
-// Those that are too deep are removed, those that are not stay, in whatever order they stand.
+// Definitions that are too deep are removed, the others stay, in any order.
 TEST(DefinitionNesting, OfALongerChainThoseWithinTheLimitStay)
 {
     constexpr int Length = 100000;
@@ -127,6 +129,37 @@ TEST(DefinitionNesting, OfALongerChainThoseWithinTheLimitStay)
             EXPECT_EQ(reports.at(1), Removed);
             EXPECT_NE(converter.termsList.search(numbered(Length - kept)), nullptr);
             EXPECT_EQ(converter.termsList.search(numbered(Length - kept - 1)), nullptr);
+        });
+    }
+}
+
+// Only a defined field has fields in it, so a tree of fields is not deeper than the definitions.
+// Reading and writing it call themselves once for each level.
+TEST(DefinitionNesting, TheDeepestTreeOfFieldsIsConvertedWithLittleStack)
+{
+    constexpr int Levels = TermExpression::MaxNesting + 1;
+    for (const bool isBlock : {false, true}) {
+        runWithSmallStack([isBlock] {
+            const DiagnosticCapture capture;
+            Grammar grammar;
+            QString message = QStringLiteral("-TITLE DEEP");
+            QString ends;
+            for (int i = 0; i < Levels; ++i) {
+                const bool isLast = i + 1 == Levels;
+                grammar.field(numbered(i), isLast ? QStringLiteral("DIGIT") : numbered(i + 1));
+                message += QLatin1String(isBlock ? " -BEGIN " : " -") + numbered(i);
+                ends.prepend(QLatin1String(" -END ") + numbered(i));
+            }
+            grammar.rule(QStringLiteral("DEEP"), numbered(0));
+            AdexpDoc doc(message + QLatin1String(" 7") + (isBlock ? ends : QString()));
+            doc.setRootField(grammar.rules());
+            doc.parse();
+            const std::string document(doc.toXMLString().view());
+            // A field of a block stands in an item of its own.
+            const size_t elementsAround = isBlock ? 2 * Levels : Levels + 1;
+            const std::string innermost = '\n' + std::string(4 * elementsAround, ' ') + "<T128 ";
+            EXPECT_NE(document.find(innermost), std::string::npos);
+            EXPECT_TRUE(capture.lines().empty());
         });
     }
 }
@@ -180,8 +213,8 @@ bool containsTangled(const DiagnosticCapture& capture)
         QStringLiteral("loops of variables are tangled more than 400 levels deep"));
 }
 
-// The checks enter a definition of a tangle again through each of its references: as many levels as
-// there are references in all, although nothing nests deeper than the definitions are many.
+// The check enters a definition of a tangle again through each of its references. So there are as
+// many levels as references in all, although there are only few definitions.
 TEST(DefinitionNesting, ASmallTangleOfLoopsIsReportedAsLoopsOnly)
 {
     const DiagnosticCapture capture;
@@ -230,7 +263,7 @@ TEST(DefinitionNesting, AVeryLargeTangleOfLoopsDoesNotTakeTheStack)
     });
 }
 
-// T0 is a DIGIT, T1 names T0 twice, T2 names T1 twice ... Tn comes to 2^(n + 2) - 3 terms.
+// T0 is a DIGIT, T1 names T0 twice, T2 names T1 twice ... Tn has 2^(n + 2) - 3 terms.
 void defineDoublings(MainClass* converter, int count)
 {
     define(converter, numbered(0), QStringLiteral("DIGIT"));
@@ -242,13 +275,14 @@ TEST(DefinitionNesting, DoublingsAreRefusedFromTheOneThatComesToTooManyTerms)
 {
     const DiagnosticCapture capture;
     MainClass converter(nullptr);
-    constexpr int Count = 100; // without the limit no look at the last one would ever end
-    constexpr int Kept = 15;   // T14 comes to 65533 terms
+    constexpr int Count = 100; // without the limit, checking the last one would never end
+    constexpr int Kept = 15;   // T14 has 65533 terms
     defineDoublings(&converter, Count);
     converter.termsList_checkConfig();
     EXPECT_EQ(converter.termsList.size(), Kept);
     EXPECT_NE(converter.termsList.search(numbered(Kept - 1)), nullptr);
-    // The next one is refused for what it comes to, those behind it for want of the one before.
+    // The next one is refused for its size, and each one after it because the one before is
+    // missing.
     EXPECT_EQ(capture.reportedTexts().mid(0, 5),
               (QStringList{QStringLiteral("references written out come to more than 100000 terms"),
                            Removed, QStringLiteral("variable T15 not found"),

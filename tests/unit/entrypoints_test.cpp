@@ -12,10 +12,12 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
+
+#include <sys/mman.h>
+#include <unistd.h>
 
 namespace {
 
@@ -53,21 +55,34 @@ protected:
     DiagnosticCapture diagnostics;
 };
 
-// Bytes with nothing behind them: reading on would be an error that a memory checker sees.
+// Bytes before a page that must not be read: one byte too many ends the process.
 class ExactBytes
 {
 public:
-    explicit ExactBytes(const std::string& bytes) : m_bytes(new char[bytes.size()])
+    explicit ExactBytes(const std::string& bytes)
+        : m_pageSize(static_cast<size_t>(sysconf(_SC_PAGESIZE))),
+          m_size((bytes.size() / m_pageSize + 2) * m_pageSize),
+          m_pages(static_cast<char*>(
+              mmap(nullptr, m_size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0)))
     {
-        std::memcpy(m_bytes.get(), bytes.data(), bytes.size());
+        char* const guard = m_pages + m_size - m_pageSize;
+        EXPECT_EQ(mprotect(guard, m_pageSize, PROT_NONE), 0);
+        m_data = guard - bytes.size();
+        std::memcpy(m_data, bytes.data(), bytes.size());
     }
-    const char* data() const { return m_bytes.get(); }
+    ~ExactBytes() { munmap(m_pages, m_size); }
+    Q_DISABLE_COPY(ExactBytes)
+
+    const char* data() const { return m_data; }
 
 private:
-    std::unique_ptr<char[]> m_bytes;
+    size_t m_pageSize;
+    size_t m_size;
+    char* m_pages;
+    char* m_data;
 };
 
-// Logs when it goes away.
+// Logs its destruction.
 class Witness
 {
 public:
@@ -141,7 +156,7 @@ TEST_F(EntryPoints, InitReturns1ForAMalformedSettingsFile)
                     path.toStdString() + "\" "});
 }
 
-// Qt looks at the lines of a group only when it is asked for a key; what it cannot read has no
+// Qt reads the lines of a group only when it is asked for a key; a line that it cannot read has no
 // value.
 TEST_F(EntryPoints, InitReturns2ForASettingsFileOfOtherText)
 {
@@ -184,6 +199,13 @@ TEST_F(EntryPoints, PathIsCutToItsLength)
     const WorkingDirectory directory(folder.path(QString()));
     EXPECT_EQ(init_adexp("rules1.ini.bak", 10), 0);
     EXPECT_EQ(init_adexp("rules1.ini.bak", 14), 2);
+}
+
+TEST_F(EntryPoints, PathMayBeOneByteLong)
+{
+    writeRuleSet(folder, QStringLiteral("r"));
+    const WorkingDirectory directory(folder.path(QString()));
+    EXPECT_EQ(init_adexp("r", 1), 0);
 }
 
 TEST_F(EntryPoints, PathWithoutLengthIsTheDefaultPath)

@@ -40,7 +40,7 @@ protected:
         return sub;
     }
 
-    // getData() of the field, which must be simple or composed as told and leave its flags right.
+    // getData() of the field. It must be simple or composed as expected, and leave the flags right.
     std::string dataOf(AdexpField* of, bool expectedSimple)
     {
         bool isSimple = !expectedSimple;

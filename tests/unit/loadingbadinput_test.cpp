@@ -1,5 +1,5 @@
-// Rule files, settings files and messages that are broken in every way we could think of: nothing
-// may be worse than a report and a result code.
+// Rule files, settings files and messages that are broken in every way we could think of. The worst
+// result may be a report and a result code.
 
 #include "support/ordinarypermissions.h"
 #include "support/reports.h"
@@ -160,7 +160,7 @@ INSTANTIATE_TEST_SUITE_P(
         FileCase{"Binary", QByteArray("\x7f\x45\x4c\x46\x02\x01\x01\x00\x00\x80\xfe", 11)}),
     caseName);
 
-// What one Qt version refuses and another one lets pass.
+// Files that one Qt version refuses and another one accepts.
 class DoubtfulRuleFiles : public BadRuleFiles, public testing::WithParamInterface<FileCase>
 {
 };
@@ -277,7 +277,7 @@ TEST_F(BadRuleFiles, FileOfNothingButWrongTagsLoadsNothing)
 
 TEST_F(BadRuleFiles, DeepElementsAreSkippedWithTheirRecord)
 {
-    // The parser copes with that many; what lies that deep is nobody's record.
+    // The parser can read that many; elements that deep belong to no record.
     QByteArray content = "<terms><simpleTerm name='A'><term>DIGIT</term>";
     content += QByteArray("<x>").repeated(200) + QByteArray("</x>").repeated(200);
     content += "</simpleTerm></terms>";
@@ -422,7 +422,7 @@ protected:
     }
     ~BadMessages() override { clear_adexp(); }
 
-    // Converts; the result is looked at in what every document must be. Empty: no document.
+    // Converts, and checks what must hold for every document. Empty: no document.
     static QByteArray convert(const char* text, unsigned int textLength)
     {
         unsigned int length = 1;
@@ -481,7 +481,7 @@ TEST_F(BadMessages, LengthAbove2ToThe31MeansUpToTheFirstNul)
     const QByteArray message = "-TITLE IFPL -ARCID EIN21K";
     const QByteArray expected = convert(message);
     ASSERT_FALSE(expected.isEmpty());
-    // The bytes behind the NUL belong to nobody.
+    // The bytes after the NUL are not part of the message.
     const QByteArray text = message + QByteArray("\0-RMK NO", 8);
     EXPECT_EQ(convert(text.constData(), 0xffffffffU), expected);
     EXPECT_EQ(convert(text.constData(), 0x80000000U), expected);

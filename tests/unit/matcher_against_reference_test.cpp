@@ -1,5 +1,5 @@
 // The library against the slow second implementation in reference/, over generated expressions and
-// texts. Everything is derived from fixed seeds: a failure comes back in every run.
+// texts. Everything is derived from fixed seeds: a failure is the same in every run.
 
 #include "reference/referencematcher.h"
 #include "support/diagnosticcapture.h"

@@ -1,5 +1,5 @@
-// What is said of the texts that a term matches, against the texts themselves: all short ones are
-// tried with generated expressions, from fixed seeds.
+// Facts about the texts that a term matches are compared with the texts themselves: all short texts
+// are tried with generated expressions, from fixed seeds.
 
 #include "support/diagnosticcapture.h"
 #include "support/expressionwriter.h"

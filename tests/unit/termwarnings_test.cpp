@@ -1,4 +1,4 @@
-// What a rule set says in vain.
+// Parts of a rule set that have no effect.
 
 #include "mainclass.h"
 #include "termexpression.h"

@@ -1,10 +1,10 @@
-// Rule files that nest too deep or grow too much are refused before the XML reader has to do with
-// them.
+// Rule files that nest too deep or grow too much are refused before QDomDocument reads them.
 
 #include "xmllimits.h"
 
 #include "support/diagnosticcapture.h"
 #include "support/rulefolder.h"
+#include "support/smallstack.h"
 
 #include "mainclass.h"
 
@@ -12,6 +12,8 @@
 #include <QXmlStreamReader>
 
 #include <gtest/gtest.h>
+
+#include <utility>
 
 namespace {
 
@@ -107,7 +109,7 @@ TEST(XmlLimits, AnEncodingInWhichTagsLookOtherwiseHidesNoElements)
     QByteArray content = nested(MaxDepth + 1);
     content.replace('<', "+ADw-").replace('>', "+AD4-");
     content = "<?xml version='1.0' encoding='UTF-7'?>\n" + content;
-    QDomDocument document; // whether this Qt knows the encoding is up to its build
+    QDomDocument document; // some builds of Qt know the encoding, others do not
     EXPECT_EQ(firstExcess(content).has_value(), document.setContent(content));
 }
 
@@ -233,6 +235,46 @@ TEST(XmlLimits, AFileOfAHundredThousandOpenElementsIsReportedAtOnce)
                       "bool MainClass::ruleDomDocumentsetContent(const QString&, QDomDocument*) "
                       "\"Parse error at line 1, column 753elements are nested deeper than 250 "
                       "levels\" ")});
+    }
+}
+
+// Three of the levels are the root, the record and the element with its text.
+TEST(XmlLimits, TheDeepestFileIsLoadedWithLittleStack)
+{
+    runWithSmallStack([] {
+        RuleFolder folder;
+        const QByteArray content = "<t><simpleTerm name='A'><term>" +
+                                   nested(MaxDepth - 3, "DIGIT") + "</term></simpleTerm></t>";
+        const DiagnosticCapture capture;
+        MainClass converter(nullptr);
+        EXPECT_TRUE(converter.readTermsXMLFile(folder.write(QStringLiteral("deep.xml"), content),
+                                               QStringLiteral("simpleTerm"), false));
+        EXPECT_NE(converter.termsList.search(u"A"), nullptr);
+        EXPECT_TRUE(capture.lines().empty());
+    });
+}
+
+TEST(XmlLimits, EachReportNamesItsLimit)
+{
+    const QByteArray growing =
+        withType("<!ENTITY e '" + QByteArray(4000, 'A') + "'>", QByteArray("&e;").repeated(2000));
+    const std::pair<QByteArray, const char*> files[] = {
+        {nested(MaxDepth + 1), "elements are nested deeper than 250 levels"},
+        {elementWithAttributes(MaxAttributes + 1), "an element has more than 250 attributes"},
+        {withType(QByteArray(MaxTypeSize, ' '), ""), "the document type is longer than 8192 bytes"},
+        {growing, "entities, default attributes and namespaces make the content more than 16 times "
+                  "as long as the file"}};
+    RuleFolder folder;
+    for (const auto& [content, text] : files) {
+        const QString path = folder.write(QStringLiteral("rules.xml"), content);
+        const DiagnosticCapture capture;
+        MainClass converter(nullptr);
+        QDomDocument document;
+        EXPECT_FALSE(converter.ruleDomDocumentsetContent(path, &document));
+        ASSERT_EQ(capture.debugLines().size(), 1);
+        const QString line = capture.debugLines().front();
+        EXPECT_TRUE(line.endsWith(QLatin1String(text) + QLatin1String("\" ")))
+            << line.toStdString();
     }
 }
 

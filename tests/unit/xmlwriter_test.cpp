@@ -20,7 +20,7 @@
 
 namespace {
 
-// A tree, written by XmlWriter on the one hand and by QDomDocument on the other.
+// A tree that both XmlWriter and QDomDocument can write.
 struct Node
 {
     QString name; // empty: the node is a text
@@ -317,9 +317,9 @@ INSTANTIATE_TEST_SUITE_P(
         NameCase{QStringLiteral(u"\U000F0000"), "_xF0000_"},
         NameCase{QStringLiteral(u"\U0010FFFF"), "_x10FFFF_"}));
 
-// A name character is what both the fifth edition of XML 1.0 and those before it allow. The former
-// are the ranges below (without the colon, which parts prefix and name), the latter what libxml2
-// has tables for. Every character is looked at.
+// A name character is one that the fifth edition of XML 1.0 and also the earlier ones allow. The
+// fifth edition has the ranges below (without the colon, which separates prefix and name), and
+// libxml2 has tables for the earlier ones. Every character is checked.
 
 using Ranges = std::vector<std::pair<char32_t, char32_t>>;
 

@@ -60,8 +60,8 @@ QString ExampleChecker::whyRefused(const RuleRecord& record, const QString& text
 
 QString ExampleChecker::whyAccepted(const RuleRecord& record, const QString& text) const
 {
-    // In a message more is refused than by the definition (a field ends at a hyphen), but a
-    // counterexample is one for the definition.
+    // A message may refuse what the definition accepts (a field ends at a hyphen), but a
+    // counterexample is about the definition.
     TermStd* const term = record.isMessageRule() ? nullptr : definitionOf(record);
     const bool isRefused = term && !isCompound(term) ? !unmatched(term, text).isEmpty()
                                                      : !whyRefused(record, text).isEmpty();
@@ -79,7 +79,7 @@ QString ExampleChecker::dataRefused(const RuleRecord& record, TermStd* term,
     return inMessage.isEmpty() ? QString() : QLatin1String("in a message ") + inMessage;
 }
 
-// In a message that consists of nothing but the stretch.
+// Tries the stretch as a whole message.
 QString ExampleChecker::stretchRefused(const RuleRecord& record, const QString& stretch) const
 {
     ConfigInfo config;

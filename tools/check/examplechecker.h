@@ -7,16 +7,16 @@ class MainClass;
 class TermStd;
 struct RuleRecord;
 
-/// Holds the examples in the records of rule files against the definitions.
+/// Checks the examples in the records of rule files against the definitions.
 ///
-/// The example of a simple term or of a field without fields in it is data that the definition
-/// matches from the first to the last character, in a message too; that of a compound field is a
-/// stretch of a message, with its keyword; that of a message rule is a message. It must be accepted
-/// without a report. A counterexample must not.
+/// The example of a simple term, or of a field without fields in it, is data: the definition must
+/// match all of it, also in a message. The example of a compound field is a part of a message, with
+/// the keyword. The example of a message rule is a message. An example must be accepted without a
+/// report, and a counterexample must not.
 class ExampleChecker
 {
 public:
-    /// For the definitions of @p rules (not null, not owned), which must stay.
+    /// For the definitions of @p rules (not null, not owned), which must outlive this object.
     explicit ExampleChecker(MainClass* rules);
 
     /// What is wrong with the example @p text of @p record; empty if it is accepted. The record's

@@ -17,7 +17,7 @@
 
 namespace {
 
-// For so many unknown names the nearest one is looked for: it takes a look at all names.
+// How many unknown names get the nearest name as a hint: each search compares all names.
 constexpr int MostHints = 100;
 
 class FindingList : public FindingObserver
@@ -33,7 +33,7 @@ QString placeKey(const QString& file, int line, int column)
     return file + u':' + QString::number(line) + u':' + QString::number(column);
 }
 
-// The words of an expression that was not compiled, some of which may not be names.
+// The words of an expression that was not compiled. Some of them may not be names.
 QStringList wordsOf(const QString& expression)
 {
     QStringList words;
@@ -54,7 +54,7 @@ bool isMissing(const QString& path)
     return !path.isEmpty() && QFileInfo(path).isRelative() && !QFileInfo::exists(path);
 }
 
-// All that may be a name in the expression of the record, which may be null.
+// Everything that may be a name in the expression of the record. The record may be null.
 QStringList namesIn(const RuleRecord* record)
 {
     const SourceText* const expression = record ? record->expression() : nullptr;
@@ -118,7 +118,7 @@ bool RuleChecker::isLoaded(const RuleRecord& record) const
         definition = m_rules.msgRules.search(name);
     else
         definition = m_rules.termsList.search(name);
-    // One whose check has failed may have stayed in the list.
+    // A definition may be in the list although its check has failed.
     return definition && definition->valid && definition->config.xmlFile == record.file &&
            definition->config.lineNumber == record.lineNumber &&
            definition->config.columnNumber == record.columnNumber;
@@ -154,8 +154,8 @@ void RuleChecker::keepCauses(const std::vector<Finding>& all)
     }
 }
 
-// True for a reference to a definition that is there and was left out itself. (A simple term may
-// not refer to a field, whatever became of that.)
+// True for a reference to a definition that exists and was left out itself. (A simple term may not
+// refer to a field in any case.)
 bool RuleChecker::followsFromAnother(const Finding& finding) const
 {
     if (finding.kind != FindingKind::UnknownName)
@@ -180,7 +180,7 @@ QString RuleChecker::hintFor(const Finding& unknownName)
     return m_nearest.value(name);
 }
 
-// The shortest way from the definition by way of the other back to itself.
+// The shortest way from the definition through the other one back to itself.
 QString RuleChecker::loopHint(const QString& name, const QString& by) const
 {
     QHash<QString, QString> cameFrom{{by, name}};
@@ -201,7 +201,7 @@ QString RuleChecker::loopHint(const QString& name, const QString& by) const
     return QLatin1String("; the circle is ") + way.join(QLatin1String(" > "));
 }
 
-// Empty if no name is so near that it may have been meant.
+// Empty if no name is similar enough.
 QString RuleChecker::nearestHint(const std::string& name) const
 {
     const std::string nearest = nearestName(name, m_names);
@@ -257,7 +257,7 @@ void RuleChecker::findUnused()
     };
     for (const MsgRule* rule : m_rules.msgRules)
         useAll(referencesOf(rule));
-    // What was left out might use anything that it names.
+    // A definition that was left out counts as using everything that it names.
     for (const RuleRecord* record : m_refused)
         useAll(namesIn(record));
     while (!toFollow.isEmpty()) {
@@ -323,7 +323,7 @@ void RuleChecker::sortByPlace()
     };
     std::stable_sort(m_findings.begin(), m_findings.end(),
                      [&key](const Finding& a, const Finding& b) { return key(a) < key(b); });
-    // A loop is met in each reference to it, and again by those that follow.
+    // A loop is reported for each reference to it, and again for those that follow.
     const auto end =
         std::unique(m_findings.begin(), m_findings.end(),
                     [&key](const Finding& a, const Finding& b) { return key(a) == key(b); });

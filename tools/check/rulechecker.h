@@ -15,11 +15,11 @@
 
 class QSettings;
 
-/// All that can be said about a rule set, each thing once, at its place in the rule files.
+/// All findings about a rule set, each one once, with its place in the rule files.
 ///
-/// The library's findings about definitions, less those that only follow from others; what the
-/// definitions say in vain (TermWarnings); definitions that no message rule uses; and examples that
-/// do not keep their promise (ExampleChecker).
+/// They are: the library's findings about definitions, without those that only follow from others;
+/// parts of definitions that have no effect (TermWarnings); definitions that no message rule uses;
+/// and examples that fail (ExampleChecker).
 class RuleChecker
 {
 public:
@@ -35,11 +35,11 @@ public:
     /// Loads and checks the rule set of @p settings, an ini file that could be read.
     explicit RuleChecker(QSettings* settings);
 
-    /// Sorted by file (in the order of loading), line and column. The place of the record is that
-    /// of what the finding is about, as editors count it; line 0: the file as a whole.
+    /// Sorted by file (in the order of loading), line and column. The place in the record is the
+    /// exact place of the finding, as editors count it; line 0: the whole file.
     const std::vector<Finding>& findings() const { return m_findings; }
 
-    /// True if a rule file could not be read, and those behind it were not.
+    /// True if a rule file could not be read; the files after it were not read either.
     bool isIncomplete() const { return !m_isLoaded; }
 
     Counts counts() const;

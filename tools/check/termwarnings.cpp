@@ -14,8 +14,8 @@
 
 namespace {
 
-// An alternative is compared with so many earlier ones at most that are more than a literal: what
-// people write has a handful, and the time for a choice stays linear.
+// An alternative is compared with at most so many earlier ones that are more than a literal. People
+// write only a few of them, and with the limit the time for a choice stays linear.
 constexpr std::size_t MostCandidates = 100;
 
 bool isOneCharacter(const TermFacts& facts)
@@ -38,8 +38,8 @@ std::vector<Finding> TermWarnings::find()
     m_warnings.clear();
     for (TermStd* term : m_rules->termsList) {
         if (!term->valid)
-            continue; // its check has failed, and it stayed in the list
-        // Of fields only the names count, texts are not matched. A compound may well name one
+            continue; // its check has failed, but it is in the list
+        // Only the names of fields count, their texts are not matched. A compound may name a field
         // twice, to say that there are two.
         if (isCompound(term))
             checkNames(term, false);
@@ -62,7 +62,7 @@ void TermWarnings::warn(const TermStd* term, const QString& text)
     m_warnings.push_back(finding);
 }
 
-// Brackets are bounded by the compiler, so this recursion is.
+// The recursion is bounded: the compiler limits the nesting of brackets.
 void TermWarnings::checkMatching(const TermStd* term)
 {
     checkOccurrences(term);
@@ -152,7 +152,7 @@ void TermWarnings::checkSequence(const TermExpression* sequence)
         } else if (isRequired) {
             taken = facts.notBehind;
         } else {
-            // It may have been left out, and then what was taken before still is.
+            // It may have been left out. Then the characters taken before still count.
             const bool isShort = facts.run && facts.run->min <= 1;
             taken = isShort ? facts.notBehind : taken.intersected(facts.notBehind);
         }

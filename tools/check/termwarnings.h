@@ -12,16 +12,17 @@ class MainClass;
 class TermExpression;
 class TermStd;
 
-/// Finds what a loaded rule set says in vain: it loads without an error, and yet a part of it can
-/// have no effect.
+/// Finds the parts of a loaded rule set that can have no effect, although it loads without an
+/// error.
 ///
-/// Each warning is true for certain. What is not recognised: an alternative that only several
-/// earlier ones cover together (unless all are single characters), and a term that cannot match
+/// A warning is never wrong. Two things are not recognised: an alternative that several earlier
+/// ones cover only together (unless all are single characters), and a term that cannot match
 /// because of the lengths of those before it.
 class TermWarnings
 {
 public:
-    /// For the definitions and rules of @p rules (not null, not owned), which must stay.
+    /// For the definitions and rules of @p rules (not null, not owned), which must outlive this
+    /// object.
     explicit TermWarnings(const MainClass* rules);
 
     /// The warnings about all definitions and rules.

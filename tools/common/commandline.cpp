@@ -114,7 +114,7 @@ std::string wrapped(const std::string& text, std::size_t width)
     return lines;
 }
 
-// The help with the explanations of options in a column that fits a terminal.
+// The help, with the explanations of options in a column that fits a terminal.
 std::string help(CLI::App* app)
 {
     constexpr std::size_t Width = 50;

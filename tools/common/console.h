@@ -4,13 +4,14 @@
 #include <string>
 #include <string_view>
 
-/// True for control characters, also beyond ASCII, and for those that turn the direction of
+/// True for control characters, also beyond ASCII, and for those that change the direction of
 /// writing.
 bool isControl(char32_t c);
 
-/// @p text with control characters written as \n, \t, \r or \x1B, those beyond ASCII and those that
-/// turn the direction of writing as \u202E, and bytes that are not UTF-8 as \x9B: names and reports
-/// stay on one line and cannot drive the terminal. Everything else stays as it is.
+/// @p text with escapes, so that names and reports stay on one line and cannot control the
+/// terminal. Control characters become \n, \t, \r or \x1B; those beyond ASCII, and characters that
+/// change the direction of writing, become \u202E; bytes that are not UTF-8 become \x9B. Everything
+/// else stays as it is.
 std::string escaped(std::string_view text);
 
 /// "subject: text" as one line, both escaped.
@@ -33,8 +34,8 @@ public:
     /// Writes @p text, buffered.
     void write(std::string_view text);
 
-    /// Writes what is buffered. False if anything could not be written up to now, after one message
-    /// on standard error; a reader that went away (closed pipe) is no reason for a message.
+    /// Writes what is buffered. False, after one message on standard error, if anything could not
+    /// be written up to now. There is no message if the reader has closed its pipe.
     bool flush();
 
     /// True if something could not be written.

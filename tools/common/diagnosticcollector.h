@@ -7,10 +7,10 @@
 #include <functional>
 #include <string_view>
 
-/// Takes Qt's message output, where the library reports to, while an object of this class lives.
+/// Takes Qt's message output, to which the library reports, while an object of this class exists.
 ///
-/// Every message goes to the sink, as it comes and unchanged, and to nowhere else. Collectors may
-/// be nested; the innermost takes the messages. Like the library, for one thread only.
+/// Every message goes to the sink at once and unchanged, and nowhere else. Collectors may be
+/// nested; the innermost takes the messages. Like the library, for one thread only.
 class DiagnosticCollector
 {
 public:

@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-/// How the command ends. The higher the number the worse, so a batch ends with its worst.
+/// How the command ends. A higher number is worse, and a batch ends with its worst.
 enum class ExitCode {
     Success = 0,         ///< everything was done, nothing was reported
     WithDiagnostics = 1, ///< everything was done; something was reported
@@ -11,8 +11,8 @@ enum class ExitCode {
     Usage = 64,          ///< the arguments are wrong; nothing was done
 };
 
-/// The same table for --help. A signal ends the command as it ends any other, which shells show as
-/// 128+n.
+/// The same table for --help. A signal ends the command as it ends any other command; shells show
+/// that as 128+n.
 constexpr const char* ExitCodeTable =
     "Exit status:\n"
     "  0      all was done, nothing was reported\n"

@@ -51,7 +51,7 @@ void InputFile::check()
         m_size = static_cast<std::size_t>(info.st_size);
 }
 
-// Three gigabytes need not be read to be refused.
+// A file of three gigabytes is refused without reading it.
 std::string InputFile::sizeError() const
 {
     return m_size > MaxMessageSize ? tooLargeError() : std::string();

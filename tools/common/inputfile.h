@@ -36,9 +36,9 @@ public:
     const std::string& error() const { return m_error; }
     /// The file descriptor.
     int descriptor() const { return m_descriptor; }
-    /// Why it is too large to be one message, empty if it is not or if that shows on reading only.
+    /// Why it is too large for one message; empty if it is not, or if only reading can show that.
     std::string sizeError() const;
-    /// The size in bytes of a regular file; 0 for a pipe or terminal, of which nobody knows it.
+    /// The size in bytes of a regular file; 0 for a pipe or terminal, whose size is unknown.
     std::size_t size() const { return m_size; }
 
 private:
@@ -49,7 +49,7 @@ private:
     std::string m_error;
 };
 
-/// Reads the input @p argument whole into @p text. Returns what went wrong and what to do about it;
+/// Reads the whole input @p argument into @p text. Returns what went wrong and what to do about it;
 /// empty if nothing did.
 std::string readInput(const std::string& argument, std::string* text);
 

@@ -6,7 +6,7 @@
 
 namespace {
 
-// Longer ones are no names of fields, and comparing them takes long.
+// Names of fields are not longer, and comparing long names takes time.
 constexpr std::size_t LongestName = 40;
 
 std::size_t difference(std::size_t a, std::size_t b)

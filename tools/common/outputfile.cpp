@@ -10,8 +10,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// Holds back the signals that ask the command to end. One that came meanwhile acts when the object
-// goes.
+// Holds back the signals that ask the command to end. They act when the object is destroyed.
 class SignalsHeldBack
 {
 public:

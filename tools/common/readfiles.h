@@ -5,7 +5,7 @@
 #include <set>
 #include <string>
 
-/// The files that a run of the command reads: nothing that it writes may take their place.
+/// The files that a run of the command reads: no output may replace them.
 class ReadFiles
 {
 public:

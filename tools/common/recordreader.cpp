@@ -26,7 +26,7 @@ Next RecordReader::next(Record* record, Waiting waiting)
     return Next::Taken;
 }
 
-// Is there something to read, an end or an error included? Waits for it if that is allowed.
+// Is there something to read (also an end or an error)? Waits for it if that is allowed.
 bool RecordReader::isAtHand(Waiting waiting) const
 {
     pollfd input{m_descriptor, POLLIN, 0};
@@ -86,7 +86,7 @@ void RecordReader::take(Record* record, std::size_t end)
         record->text.swap(taken);
 }
 
-// Drops what was read of the record at hand; so will be what follows of it.
+// Drops what was read of the current record; the rest of it will be dropped, too.
 void RecordReader::drop(std::string failure)
 {
     std::string().swap(m_buffer); // gives the memory back
@@ -103,7 +103,7 @@ void RecordReader::read(Waiting waiting)
     const ssize_t got = ::read(m_descriptor, block.data(), block.size());
     if (got == -1 && errno == EINTR)
         return;
-    if (got == -1 && errno == EAGAIN) { // who gave us the descriptor does not wait on reading
+    if (got == -1 && errno == EAGAIN) { // the descriptor that we got does not block
         isAtHand(waiting);
         return;
     }

@@ -6,16 +6,16 @@
 #include <cstddef>
 #include <string>
 
-/// Why a message is not converted, and what to do about it, if memory runs out over it.
+/// Why a message is not converted if memory runs out, and what to do about it.
 constexpr const char* MemoryRanOut = "memory ran out; convert it where there is more";
 
 /// May an operation wait for input that is not there yet?
 enum class Waiting { Allowed, Refused };
 
-/// What an operation found that takes the next of something.
+/// The result of an operation that takes the next item.
 enum class Next {
     Taken,     ///< there was one
-    WouldWait, ///< waiting was refused, and input that is not there yet decides
+    WouldWait, ///< waiting was refused, and it depends on input that is not there yet
     End,       ///< there are no more
 };
 
@@ -28,21 +28,21 @@ struct Record
 
 /// Splits what comes from a file descriptor into records.
 ///
-/// No more is held than the record at hand and one block, however long the stream is.
+/// Only the current record and one block are in memory, however long the stream is.
 class RecordReader
 {
 public:
-    /// As a separator: all up to the end is one record, also if that is nothing.
+    /// As a separator: everything up to the end is one record, even if it is empty.
     static constexpr int Whole = -1;
 
-    /// Reads from @p descriptor, which stays open and the caller's. Behind each record stands the
-    /// byte @p separator; behind the last one it may be missing. @p limit is the most bytes that a
+    /// Reads from @p descriptor, which the caller owns and which stays open. The byte @p separator
+    /// follows each record; after the last one it may be missing. @p limit is the most bytes that a
     /// record may have.
     RecordReader(int descriptor, int separator, std::size_t limit = MaxMessageSize);
 
-    /// Takes the next record, without its separator. One that is too large, one for which memory
-    /// runs out, and one that cannot be read, comes as a failure; behind the last of these the
-    /// stream is at its end.
+    /// Takes the next record, without its separator. A record that is too large, that needs more
+    /// memory than there is, or that cannot be read comes as a failure; after one that cannot be
+    /// read the stream is at its end.
     Next next(Record* record, Waiting waiting);
 
     /// Number of bytes read so far.
@@ -60,10 +60,10 @@ private:
     int m_separator;
     std::size_t m_limit;
     std::string m_buffer;
-    std::size_t m_begin = 0;    // of the record at hand, in the buffer
-    std::size_t m_searched = 0; // up to here there is no separator behind m_begin
+    std::size_t m_begin = 0;    // of the current record, in the buffer
+    std::size_t m_searched = 0; // there is no separator from m_begin to here
     std::size_t m_bytesRead = 0;
-    std::string m_failure; // of the record at hand, whose bytes are dropped; empty: none
+    std::string m_failure; // of the current record, whose bytes are dropped; empty: none
     bool m_isAtEnd = false;
     bool m_isOver = false; // the rest was taken too
     std::string m_error;

@@ -82,8 +82,7 @@ ExitCode load(const std::string& settings, bool isJson)
 
 } // namespace
 
-// The library takes a settings file that is not there for an empty one, and its report then is
-// about the keys that are missing.
+// The library treats a missing settings file like an empty one, and would report the missing keys.
 std::string settingsError(const std::string& settings)
 {
     const bool isCompiledIn = settings.front() == ':';

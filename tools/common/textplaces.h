@@ -17,7 +17,7 @@ public:
         int column; ///< in UTF-16 units, from 1
     };
 
-    /// Places in @p text, which must stay. At most 2^31 - 1 UTF-16 units.
+    /// Places in @p text, which must outlive this object. At most 2^31 - 1 UTF-16 units.
     explicit TextPlaces(QStringView text);
 
     /// The number of UTF-16 units of the text.

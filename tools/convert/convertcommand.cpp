@@ -19,14 +19,14 @@
 namespace {
 
 constexpr const char* Footer =
-    "Without FILE, and for \"-\", messages come from standard input. An input holds one message,\n"
-    "or with --lines or -0 many: those are called by their number, <stdin>:3. Documents on\n"
-    "standard output follow one another in the order of the messages, whatever -j is. Reports\n"
-    "about a message go to standard error, each behind the name of its file.\n"
+    "Without FILE, or with \"-\", messages come from standard input. An input is one message, or\n"
+    "many with --lines or -0: these have numbers, for example <stdin>:3. Documents on standard\n"
+    "output come in the order of the messages, whatever -j is. Reports about a message go to\n"
+    "standard error; each begins with the name of its file.\n"
     "\n"
-    "In a folder a document is named after its message: plan.adexp gives plan.adexp.xml,\n"
-    "standard input stdin.xml, its third message stdin.3.xml. With -r the sub-folders are\n"
-    "those of the messages. A document appears there when it is complete.\n"
+    "In a folder, a document has the name of its message: plan.adexp gives plan.adexp.xml,\n"
+    "standard input gives stdin.xml, its third message stdin.3.xml. With -r there are the same\n"
+    "sub-folders as for the messages. A document appears when it is complete.\n"
     "\n"
     "Examples:\n"
     "  adexp convert plan.adexp                  document to standard output\n"
@@ -44,7 +44,7 @@ int numberOfProcesses(const ConvertOptions& options)
     return static_cast<int>(std::clamp<long>(processors, 1, Interruption::MaxProcesses));
 }
 
-// Converts in this process, which needs no copying.
+// Converts in this process, without copying.
 void convertHere(MessageSource* source, MessageConverter* converter, ResultWriter* writer)
 {
     Message message;
@@ -149,32 +149,31 @@ void addInputOptions(CLI::App* command, ConvertOptions* options)
         ->excludes(files);
     command->add_flag(
         "--lines", options->lines,
-        "Each line of the inputs is a message (in one, a line feed means no more than "
+        "Each line of the inputs is a message (inside a message, a line feed means the same as "
         "a blank)");
     command->add_flag(
         "-0,--null", options->nul,
-        "NUL ends each message on standard input, each name of --files-from, and each "
+        "NUL ends each message on standard input, each name in --files-from, and each "
         "document on standard output; a message without a document gives an empty one");
 }
 
 void addOutputOptions(CLI::App* command, ConvertOptions* options)
 {
     addTextOption(command, "-o,--output", &options->output,
-                  "Write the document to FILE. If FILE is a folder or ends in /: into that folder, "
-                  "which has to exist. \"-\" is standard output")
+                  "Write the document to FILE. If FILE is a folder or ends with /: into that "
+                  "folder, which must exist. \"-\" is standard output")
         ->type_name("FILE");
     command->add_flag(
         "--summary", options->summary,
-        "Report by titles: messages, fields, reports. With -o besides the documents, "
-        "otherwise in place of documents and reports. On standard output, with \"-o -\" "
-        "on standard error");
+        "Print a summary by title: messages, fields, reports. With -o in addition to the "
+        "documents, otherwise in place of documents and reports. To standard output; with "
+        "\"-o -\" to standard error");
     addFormatOption(command, &options->isJson);
     command->add_flag(
         "-q,--quiet", options->quiet,
-        "No reports about the contents of messages, and no progress; what could not be "
-        "done is still told");
-    command->add_flag("--no-progress", options->noProgress,
-                      "No line on the terminal that tells how far the work is");
+        "No reports about the contents of messages, and no progress; errors are still "
+        "reported");
+    command->add_flag("--no-progress", options->noProgress, "No progress line on the terminal");
 }
 
 } // namespace
@@ -197,7 +196,7 @@ CLI::App* addConvertCommand(CLI::App* app, ConvertOptions* options)
 ExitCode runConvert(const ConvertOptions& given)
 {
     ConvertOptions options = given;
-    // Asked once: a folder that goes away meanwhile must not become a file.
+    // Asked once: if the folder is removed meanwhile, no file may take its name.
     options.isOutputFolder = options.hasOutputFiles() && isFolderName(options.output);
     if (const ExitCode wrong = checkOutput(options); wrong != ExitCode::Success)
         return wrong;

@@ -13,9 +13,9 @@
 namespace {
 
 constexpr const char* Footer =
-    "NAME is a term or the title of a message rule; small letters do as well. Without NAME\n"
+    "NAME is a term or the title of a message rule, in capital or small letters. Without NAME\n"
     "all are shown as \"NAME = form\": the terms in the order of loading, then the message\n"
-    "rules. In the compiled form \"!\" is a sequence, \"|\" a choice, and SEP stands wherever\n"
+    "rules. In the compiled form, \"!\" is a sequence, \"|\" is a choice, and SEP shows where\n"
     "white space may be.\n"
     "\n"
     "Examples:\n"
@@ -41,7 +41,7 @@ bool printNamed(const QString& name, StandardOutput* out)
 
 ExitCode dump(const std::string& name)
 {
-    // Rule sets have all their names in upper case.
+    // All names in a rule set are in upper case.
     const QString recordName = QString::fromStdString(name).toUpper();
     const DiagnosticCollector diagnostics{std::string_view(CommandName)};
     StandardOutput out;

@@ -15,8 +15,8 @@
 namespace {
 
 constexpr const char* Footer =
-    "NAME is a term or the title of a message rule; small letters do as well. In the tree SEP\n"
-    "stands wherever white space may be, written or not.\n"
+    "NAME is a term or the title of a message rule, in capital or small letters. In the tree,\n"
+    "SEP shows where white space may be, even if the definition does not name it.\n"
     "\n"
     "Example:\n"
     "  adexp explain EOBT\n";
@@ -108,7 +108,7 @@ void explain(const TermStd* definition, StandardOutput* out)
 
 ExitCode explainName(const std::string& name)
 {
-    // Rule sets have all their names in upper case.
+    // All names in a rule set are in upper case.
     const QString recordName = QString::fromStdString(name).toUpper();
     const std::vector<TermStd*> definitions = definitionsNamed(recordName);
     if (definitions.empty()) {

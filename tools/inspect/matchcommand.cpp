@@ -24,10 +24,10 @@
 namespace {
 
 constexpr const char* Footer =
-    "NAME is a simple term or a field whose data is not made of fields. Under TEXT the part\n"
-    "that is matched is marked with ~, and with ^ the last place reached, where something else\n"
-    "was wanted. --expr tries an expression that is in no rule file; it may refer to all\n"
-    "definitions. A TEXT that begins with a hyphen goes behind \"--\".\n"
+    "NAME is a simple term, or a field that has data of its own and no fields in it. The line\n"
+    "below TEXT marks the matched part with ~. The sign ^ marks the last place that was reached\n"
+    "and where something else was expected. --expr tries an expression that is in no rule file;\n"
+    "it may refer to all definitions. A TEXT that begins with a hyphen stands after \"--\".\n"
     "\n"
     "Examples:\n"
     "  adexp match EOBT 0560\n"

@@ -14,9 +14,9 @@
 namespace {
 
 constexpr const char* Footer =
-    "A line for each field: its name and data, indented by depth, between \"++ Begin\" and\n"
-    "\"++ End\" for a field with fields in it. A field that the rule set does not know there\n"
-    "is marked as unknown. \"-\" reads standard input.\n"
+    "There is a line for each field, with its name and data, indented by depth. If there are\n"
+    "fields in it, they stand between \"++ Begin\" and \"++ End\". A field that the rule set does\n"
+    "not allow at its place is marked as unknown. \"-\" reads standard input.\n"
     "\n"
     "Example:\n"
     "  adexp tree plan.adexp\n";
