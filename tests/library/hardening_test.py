@@ -53,9 +53,10 @@ class BuiltFiles(unittest.TestCase):
     def test_large_frames_are_probed(self):
         if not X86:
             self.skipTest("of another processor")
-        # What GCC touches each page of a frame with: a function that passed over the page below the
-        # stack would write into memory that is not its own.
-        self.assert_shown(r"\bor[lq]? +\$0x0,(0x[0-9a-f]+)?\(%rsp\)", OBJDUMP, "-d")
+        # What GCC, or Clang, touches each page of a frame with: a function that passed over the page
+        # below the stack would write into memory that is not its own.
+        self.assert_shown(r"\bor[lq]? +\$0x0,(0x[0-9a-f]+)?\(%rsp\)"
+                          r"|\bsub +\$0x1000,%rsp\n.*\bmovq +\$0x0,\(%rsp\)", OBJDUMP, "-d")
 
     def test_jumps_have_marked_aims(self):
         if not X86:

@@ -111,6 +111,8 @@ CountedHeap::Spared::~Spared()
     untilFailure = m_untilFailure;
 }
 
+// Seen by all libraries of the process, whatever the visibility that the project compiles with.
+#pragma GCC visibility push(default)
 extern "C" {
 
 void* malloc(std::size_t size) noexcept
@@ -159,3 +161,4 @@ void free(void* block) noexcept
 }
 
 } // extern "C"
+#pragma GCC visibility pop

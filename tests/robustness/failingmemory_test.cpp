@@ -263,7 +263,9 @@ TEST_F(FailingMemory, HeapFailsAsItIsTold)
 
     CountedHeap::limitBytes(CountedHeap::liveBytes() + 1000);
     EXPECT_EQ(std::malloc(1001), nullptr);
-    std::free(std::malloc(1000));
+    void* const fitting = std::malloc(1000);
+    EXPECT_NE(fitting, nullptr);
+    std::free(fitting);
     EXPECT_EQ(CountedHeap::stopFailing(), 1);
     EXPECT_EQ(CountedHeap::liveBlocks(), before);
 }

@@ -275,13 +275,17 @@ std::string testName(const testing::TestParamInfo<Record>& info)
     return info.param.testName;
 }
 
-const auto AllRecords = testing::ValuesIn(recordsThat([](const Record&) { return true; }));
+// A function: the embedded files are there only when main() begins.
+auto allRecords()
+{
+    return testing::ValuesIn(recordsThat([](const Record&) { return true; }));
+}
 
-INSTANTIATE_TEST_SUITE_P(RuleSet, Examples, AllRecords, testName);
+INSTANTIATE_TEST_SUITE_P(RuleSet, Examples, allRecords(), testName);
 INSTANTIATE_TEST_SUITE_P(
     RuleSet, Counterexamples,
     testing::ValuesIn(recordsThat([](const Record& r) { return !r.isMessageRule(); })), testName);
-INSTANTIATE_TEST_SUITE_P(RuleSet, RecordLayout, AllRecords, testName);
+INSTANTIATE_TEST_SUITE_P(RuleSet, RecordLayout, allRecords(), testName);
 
 TEST(RuleSetLoading, ReportsNothing)
 {
