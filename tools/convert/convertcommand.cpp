@@ -18,7 +18,7 @@
 
 namespace {
 
-constexpr const char* Footer =
+constexpr const char* ConvertFooter =
     "Without FILE, and for \"-\", messages come from standard input. An input holds one message,\n"
     "or with --lines or -0 many: those are called by their number, <stdin>:3. Documents on\n"
     "standard output follow one another in the order of the messages, whatever -j is. Reports\n"
@@ -182,7 +182,7 @@ void addOutputOptions(CLI::App* command, ConvertOptions* options)
 CLI::App* addConvertCommand(CLI::App* app, ConvertOptions* options)
 {
     CLI::App* const command = app->add_subcommand("convert", "Convert messages to XML documents");
-    addFooter(command, Footer);
+    addFooter(command, ConvertFooter);
     addSettingsOption(command, &options->settings);
     addInputOptions(command, options);
     addOutputOptions(command, options);

@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr const char* Footer =
+constexpr const char* DumpFooter =
     "NAME is a term or the title of a message rule; small letters do as well. Without NAME\n"
     "all are shown as \"NAME = form\": the terms in the order of loading, then the message\n"
     "rules. In the compiled form \"!\" is a sequence, \"|\" a choice, and SEP stands wherever\n"
@@ -61,7 +61,7 @@ ExitCode dump(const std::string& name)
 CLI::App* addDumpCommand(CLI::App* app, DumpOptions* options)
 {
     CLI::App* const command = app->add_subcommand("dump", "Show how terms and rules were compiled");
-    addFooter(command, Footer);
+    addFooter(command, DumpFooter);
     addSettingsOption(command, &options->settings);
     command->add_option("NAME", options->name, "Term or title")->type_name("");
     return command;

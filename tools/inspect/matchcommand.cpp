@@ -23,7 +23,7 @@
 
 namespace {
 
-constexpr const char* Footer =
+constexpr const char* MatchFooter =
     "NAME is a simple term or a field whose data is not made of fields. Under TEXT the part\n"
     "that is matched is marked with ~, and with ^ the last place reached, where something else\n"
     "was wanted. --expr tries an expression that is in no rule file; it may refer to all\n"
@@ -169,7 +169,7 @@ CLI::App* addMatchCommand(CLI::App* app, MatchOptions* options)
 {
     CLI::App* const command =
         app->add_subcommand("match", "Show how far a text matches a definition");
-    addFooter(command, Footer);
+    addFooter(command, MatchFooter);
     addSettingsOption(command, &options->settings);
     addFormatOption(command, &options->isJson);
     addTextOption(command, "--expr", &options->expression, "Expression to match with, not a NAME")

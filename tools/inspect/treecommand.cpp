@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr const char* Footer =
+constexpr const char* TreeFooter =
     "A line for each field: its name and data, indented by depth, between \"++ Begin\" and\n"
     "\"++ End\" for a field with fields in it. A field that the rule set does not know there\n"
     "is marked as unknown. \"-\" reads standard input.\n"
@@ -52,7 +52,7 @@ ExitCode showTree(const std::string& name, const std::string& message)
 CLI::App* addTreeCommand(CLI::App* app, TreeOptions* options)
 {
     CLI::App* const command = app->add_subcommand("tree", "Show the tree of fields of a message");
-    addFooter(command, Footer);
+    addFooter(command, TreeFooter);
     addSettingsOption(command, &options->settings);
     command->add_option("FILE", options->file, "Message")->type_name("")->required();
     return command;
