@@ -51,7 +51,7 @@ class Checks(ScriptTest):
         self.stand_in("pyflakes3")
         self.assertEqual(self.check("check-scripts", "shellcheck").returncode, 0)
         shell, python = self.calls()
-        self.assertRegex(shell, "^shellcheck run scripts/.* test$")
+        self.assertRegex(shell, "^shellcheck -x run scripts/.* test$")
         self.assertEqual(python.split()[:3], ["pyflakes3", "a.py", "made"])
         self.assertNotEqual(self.check("check-scripts", "shellcheck", "exit 1").returncode, 0)
         self.stand_in("pyflakes3", "exit 1")

@@ -4,7 +4,6 @@ program that a script calls is a stand-in which keeps a record of its calls, or 
 Usage of every test file: FILE.py [arguments of unittest]
 """
 
-import os
 import shutil
 import subprocess
 import tempfile
