@@ -5,18 +5,17 @@ line "--- NAME", and what is printed under "--- expected". With ADEXP_UPDATE_GOL
 the latter is written anew.
 """
 
-import glob
 import json
 import os
 import re
 import time
+from pathlib import Path
 
 from commandtest import CommandTest, main
 
-# The folder may have brackets in its name.
-HERE = glob.escape(os.path.dirname(os.path.abspath(__file__)))
-CASES = sorted(glob.glob(os.path.join(HERE, "check", "*.txt")))
-SOURCES = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "src")
+HERE = Path(__file__).resolve().parent
+CASES = sorted((HERE / "check").glob("*.txt"))
+SOURCES = HERE.parents[1] / "src"
 FILES = {"simpleTermsFile": "simple.xml", "subFieldsFile": "sub.xml",
          "primaryFieldsFile": "primary.xml", "msgRulesFile": "rules.xml"}
 EXPECTED = "expected"
@@ -40,11 +39,10 @@ def simple_term(name, expression):
 def config_texts():
     """The texts of all findings about rule sets: what goes through tr()."""
     texts = set()
-    for path in glob.glob(os.path.join(glob.escape(SOURCES), "*.cpp")):
-        if os.path.basename(path) in MESSAGE_SOURCES:
+    for path in SOURCES.glob("*.cpp"):
+        if path.name in MESSAGE_SOURCES:
             continue
-        with open(path, encoding="utf-8") as file:
-            source = re.sub(r"//.*", "", file.read())
+        source = re.sub(r"//.*", "", path.read_text(encoding="utf-8"))
         for literals in re.findall(r'\btr\(((?:\s*"(?:\\.|[^"\\])*")+)', source):
             text = "".join(re.findall(r'"((?:\\.|[^"\\])*)"', literals))
             texts.update(piece for piece in re.split(r"%\d", text.replace('\\"', '"')) if piece)
@@ -86,7 +84,7 @@ class Check(CommandTest):
     def test_cases(self):
         self.assertTrue(CASES)
         for path in CASES:
-            with self.subTest(os.path.basename(path)):
+            with self.subTest(path.name):
                 head, sections = read_case(path)
                 output = self.output_of_case(sections)
                 if "ADEXP_UPDATE_GOLDEN" in os.environ:

@@ -28,8 +28,10 @@ def test_names():
 
 
 def steps():
-    return re.findall(r'^step "(.*)"$', (ROOT / ".ci" / "run").read_text(encoding="utf-8"),
-                      re.MULTILINE)
+    """The steps that run before a change lands, as .ci/run and its name, and those of .ci/nightly."""
+    return [f"{script} {name}" for script in (".ci/run", ".ci/nightly")
+            for name in re.findall(r'^step "(.*?)" ', (ROOT / script).read_text(encoding="utf-8"),
+                                   re.MULTILINE)]
 
 
 class Promises(unittest.TestCase):
@@ -43,8 +45,8 @@ class Promises(unittest.TestCase):
                 self.assertTrue(tests)
             for test in tests:
                 with self.subTest(promise, test=test):
-                    if test.startswith(".ci/run "):
-                        self.assertIn(test.removeprefix(".ci/run "), steps())
+                    if test.startswith(".ci/"):
+                        self.assertIn(test, steps())
                     else:
                         self.assertTrue(any(fnmatchcase(name, test) for name in names))
 

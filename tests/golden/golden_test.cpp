@@ -266,6 +266,7 @@ QSet<QString> filesOfCase(const QDir& folder)
 
 TEST(GoldenFiles, CasesHoldNoOtherFiles)
 {
+    EXPECT_FALSE(ownCases().empty());
     const QDir cases(CasesDir);
     for (const QString& name :
          cases.entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot)) {

@@ -12,9 +12,12 @@ namespace {
 
 const std::string Settings = ":/adexp/adexp.ini";
 
-void convertFile(const char* path)
+/// Returns whether the file could be read.
+bool convertFile(const char* path)
 {
     std::ifstream file(path, std::ios::binary);
+    if (!file)
+        return false;
     const std::string message{std::istreambuf_iterator<char>(file), {}};
     unsigned int length = 0;
     const char* const document =
@@ -23,6 +26,7 @@ void convertFile(const char* path)
     if (document)
         std::fwrite(document, 1, length, stdout);
     free_adexp(document);
+    return true;
 }
 
 } // namespace
@@ -31,7 +35,9 @@ int main(int argc, char** argv)
 {
     if (init_adexp(Settings.data(), static_cast<int>(Settings.size())) != 0)
         return 1;
+    bool allRead = true;
     for (int i = 1; i < argc; ++i)
-        convertFile(argv[i]);
+        allRead = convertFile(argv[i]) && allRead;
     clear_adexp();
+    return allRead ? 0 : 1;
 }

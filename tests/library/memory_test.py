@@ -32,11 +32,15 @@ MESSAGES = {
 
 
 def peak_and_output(program, *files):
-    """The most memory that the program had at a time, and what it wrote, both in bytes."""
+    """The most memory that the program had at a time, and what it wrote, both in bytes. A program that
+    failed says nothing about that."""
     with tempfile.TemporaryFile() as output:
         process = subprocess.Popen([program, *files], stdout=output, stderr=output)
         _, status, usage = os.wait4(process.pid, 0)
         process.returncode = os.waitstatus_to_exitcode(status)
+        if process.returncode != 0:
+            output.seek(0)
+            sys.exit(f"{program} ended with {process.returncode}: {output.read()[-2000:]!r}")
         return usage.ru_maxrss * 1024, output.seek(0, os.SEEK_END)
 
 

@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr const char* Footer =
+constexpr const char* CheckFooter =
     "Each finding is a line \"FILE:LINE:COLUMN: error|warning: TEXT [NAME]\", sorted by place, "
     "the\n"
     "form that editors and build servers read; the last line counts them. Warnings are about\n"
@@ -74,7 +74,7 @@ std::string summary(const RuleChecker& checker)
 CLI::App* addCheckCommand(CLI::App* app, CheckOptions* options)
 {
     CLI::App* const command = app->add_subcommand("check", "Check a rule set");
-    addFooter(command, Footer);
+    addFooter(command, CheckFooter);
     addSettingsOption(command, &options->settings);
     addFormatOption(command, &options->isJson);
     return command;

@@ -18,7 +18,7 @@
 
 namespace {
 
-constexpr const char* Footer =
+constexpr const char* ConvertFooter =
     "Without FILE, or with \"-\", messages come from standard input. An input is one message, or\n"
     "many with --lines or -0: these have numbers, for example <stdin>:3. Documents on standard\n"
     "output come in the order of the messages, whatever -j is. Reports about a message go to\n"
@@ -181,7 +181,7 @@ void addOutputOptions(CLI::App* command, ConvertOptions* options)
 CLI::App* addConvertCommand(CLI::App* app, ConvertOptions* options)
 {
     CLI::App* const command = app->add_subcommand("convert", "Convert messages to XML documents");
-    addFooter(command, Footer);
+    addFooter(command, ConvertFooter);
     addSettingsOption(command, &options->settings);
     addInputOptions(command, options);
     addOutputOptions(command, options);

@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr const char* Footer =
+constexpr const char* DumpFooter =
     "NAME is a term or the title of a message rule, in capital or small letters. Without NAME\n"
     "all are shown as \"NAME = form\": the terms in the order of loading, then the message\n"
     "rules. In the compiled form, \"!\" is a sequence, \"|\" is a choice, and SEP shows where\n"
@@ -61,7 +61,7 @@ ExitCode dump(const std::string& name)
 CLI::App* addDumpCommand(CLI::App* app, DumpOptions* options)
 {
     CLI::App* const command = app->add_subcommand("dump", "Show how terms and rules were compiled");
-    addFooter(command, Footer);
+    addFooter(command, DumpFooter);
     addSettingsOption(command, &options->settings);
     command->add_option("NAME", options->name, "Term or title")->type_name("");
     return command;

@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr const char* Footer =
+constexpr const char* ExplainFooter =
     "NAME is a term or the title of a message rule, in capital or small letters. In the tree,\n"
     "SEP shows where white space may be, even if the definition does not name it.\n"
     "\n"
@@ -130,7 +130,7 @@ CLI::App* addExplainCommand(CLI::App* app, ExplainOptions* options)
 {
     CLI::App* const command =
         app->add_subcommand("explain", "Tell what a definition or message rule says");
-    addFooter(command, Footer);
+    addFooter(command, ExplainFooter);
     addSettingsOption(command, &options->settings);
     command->add_option("NAME", options->name, "Term or title")->type_name("")->required();
     return command;

@@ -23,7 +23,7 @@
 
 namespace {
 
-constexpr const char* Footer =
+constexpr const char* MatchFooter =
     "NAME is a simple term, or a field that has data of its own and no fields in it. The line\n"
     "below TEXT marks the matched part with ~. The sign ^ marks the last place that was reached\n"
     "and where something else was expected. --expr tries an expression that is in no rule file;\n"
@@ -169,7 +169,7 @@ CLI::App* addMatchCommand(CLI::App* app, MatchOptions* options)
 {
     CLI::App* const command =
         app->add_subcommand("match", "Show how far a text matches a definition");
-    addFooter(command, Footer);
+    addFooter(command, MatchFooter);
     addSettingsOption(command, &options->settings);
     addFormatOption(command, &options->isJson);
     addTextOption(command, "--expr", &options->expression, "Expression to match with, not a NAME")

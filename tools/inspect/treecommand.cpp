@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr const char* Footer =
+constexpr const char* TreeFooter =
     "There is a line for each field, with its name and data, indented by depth. If there are\n"
     "fields in it, they stand between \"++ Begin\" and \"++ End\". A field that the rule set does\n"
     "not allow at its place is marked as unknown. \"-\" reads standard input.\n"
@@ -52,7 +52,7 @@ ExitCode showTree(const std::string& name, const std::string& message)
 CLI::App* addTreeCommand(CLI::App* app, TreeOptions* options)
 {
     CLI::App* const command = app->add_subcommand("tree", "Show the tree of fields of a message");
-    addFooter(command, Footer);
+    addFooter(command, TreeFooter);
     addSettingsOption(command, &options->settings);
     command->add_option("FILE", options->file, "Message")->type_name("")->required();
     return command;

@@ -17,7 +17,7 @@
 
 namespace {
 
-constexpr const char* Footer =
+constexpr const char* ViewFooter =
     "One HTML page for a browser, which needs no network: the text of the message with its\n"
     "fields and findings marked, the tree of fields, and the list of findings. A message\n"
     "without -TITLE, or without a rule for its title, gives a page without fields and the\n"
@@ -94,7 +94,7 @@ CLI::App* addViewCommand(CLI::App* app, ViewOptions* options)
 {
     CLI::App* const command =
         app->add_subcommand("view", "Show a message and its findings as an HTML page");
-    addFooter(command, Footer);
+    addFooter(command, ViewFooter);
     addSettingsOption(command, &options->settings);
     addTextOption(command, "-o,--output", &options->output,
                   "Write the page to FILE. \"-\", and no -o, is standard output")
