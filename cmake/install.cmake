@@ -71,3 +71,5 @@ install(FILES ${PROJECT_BINARY_DIR}/manual/bash/adexp
     DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT tools)
 install(FILES ${PROJECT_BINARY_DIR}/manual/zsh/_adexp
     DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions COMPONENT tools)
+install(FILES ${PROJECT_BINARY_DIR}/manual/fish/adexp.fish
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d COMPONENT tools)

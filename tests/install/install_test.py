@@ -80,6 +80,7 @@ class Installed(unittest.TestCase):
                      "share/man/man1/adexp.1", "share/man/man1/adexp-convert.1",
                      "share/man/man3/libadexp.3", "share/man/man3/init_adexp.3",
                      "share/bash-completion/completions/adexp", "share/zsh/site-functions/_adexp",
+                     "share/fish/vendor_completions.d/adexp.fish",
                      "share/doc/adexp/LICENSE", "share/doc/adexp/README.md",
                      "share/doc/adexp/docs/guide.md", "share/doc/adexp/examples/convert.c",
                      "share/doc/adexp/examples/reports.cpp", "share/doc/adexp/examples/table.py",
