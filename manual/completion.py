@@ -1,137 +1,37 @@
-"""Writes completions for bash and zsh from the help of a command."""
+"""Writes completions for bash, zsh and fish from the help of a command.
+
+A rule set and the names of files may come from strangers. Therefore no script expands such a text: the
+shell itself completes and quotes the names of files, and of the names of definitions only those are
+offered that mean nothing but themselves in every shell.
+"""
+from pathlib import Path
+
 from helptext import OPTIONS, SUBCOMMANDS
 
 FILE = "file"
-FOLDER = "folder"
 DEFINITION = "definition"
 NOTHING = "none"
 
 # What the placeholders in the help mean. Others are not completed.
 KINDS = {
     "FILE": FILE,
-    "FOLDER": FOLDER,
     "NAME": DEFINITION,
 }
 
-BASH = """\
-# Completion of the command adexp for bash. Made from what its --help says.
-
-# Completes the word $1 as the name of a definition in the rule set of the command line.
-_adexp_definitions()
-{
-    local names settings=() index
-    for ((index = 1; index < COMP_CWORD; ++index)); do
-        if [[ ${COMP_WORDS[index]} == --settings ]]; then
-            [[ ${COMP_WORDS[index + 1]} == = ]] && ((++index))
-            settings=(--settings "${COMP_WORDS[index + 1]}")
-        fi
-    done
-    names=$(adexp dump "${settings[@]}" 2>/dev/null | cut -d ' ' -f 1)
-    mapfile -t COMPREPLY < <(compgen -W "$names" -- "${1^^}")
-}
-
-# Completes the word $1 as $2 says: a kind of names, or words with commas between them.
-_adexp_value()
-{
-    case $2 in
-        none) ;;
-        file | folder)
-            compopt -o filenames 2>/dev/null
-            mapfile -t COMPREPLY < <(compgen -A "${2/folder/directory}" -- "$1")
-            ;;
-        definition) _adexp_definitions "$1" ;;
-        *) mapfile -t COMPREPLY < <(compgen -W "${2//,/ }" -- "$1") ;;
-    esac
-}
-
-_adexp()
-{
-    # By subcommand; "adexp" is the command without one.
-    local -A options=(
-@OPTIONS@
-    )
-    # What an option takes.
-    local -A values=(
-@VALUES@
-    )
-    # What the arguments are; "..." after the last one says that there may be more of them.
-    local -A arguments=(
-@ARGUMENTS@
-    )
-    local word=${COMP_WORDS[COMP_CWORD]} kinds subcommand=adexp value="" place=0 index
-    COMPREPLY=()
-
-    for ((index = 1; index < COMP_CWORD; ++index)); do
-        case ${COMP_WORDS[index]} in
-            =) ;; # "--option=value" comes as three words
-            -?*) value=${values[$subcommand ${COMP_WORDS[index]}]} ;;
-            *)
-                if [[ -n $value ]]; then
-                    value=
-                elif [[ $subcommand == adexp ]]; then
-                    subcommand=${COMP_WORDS[index]}
-                else
-                    ((++place))
-                fi
-                ;;
-        esac
-    done
-    [[ $word == = ]] && word=
-
-    if [[ -n $value ]]; then
-        _adexp_value "$word" "$value"
-    elif [[ $word == -* ]]; then
-        _adexp_value "$word" "${options[$subcommand]:-none}"
-    else
-        read -ra kinds <<<"${arguments[$subcommand]}"
-        local kind=${kinds[place]:-none}
-        [[ ${kinds[*]} == *... ]] && ((place >= ${#kinds[@]})) && kind=${kinds[-1]}
-        _adexp_value "$word" "${kind%...}"
-    fi
-}
-complete -F _adexp adexp
-"""
-
-ZSH = """\
-#compdef adexp
-# Completion of the command adexp for zsh. Made from what its --help says.
-
-# Completes the name of a definition in the rule set of the command line.
-_adexp_definitions()
-{
-    local -a names settings
-    [[ -n $opt_args[--settings] ]] && settings=(--settings ${(Q)opt_args[--settings]})
-    names=(${(f)"$(adexp dump $settings 2>/dev/null | cut -d ' ' -f 1)"})
-    compadd -M 'm:{a-z}={A-Z}' -a names
-}
-
-_adexp()
-{
-    local curcontext=$curcontext state line
-    local -A opt_args
-    local -a subcommands=(
-@SUBCOMMANDS@
-    )
-    _arguments -C \\
-@OPTIONS@
-        '1:subcommand:->subcommand' \\
-        '*::argument:->argument'
-    if [[ $state == subcommand ]]; then
-        _describe subcommand subcommands
-    elif [[ $state == argument ]]; then
-        case $line[1] in
-@CASES@
-        esac
-    fi
-}
-
-_adexp "$@"
-"""
+# What every script runs for the names of definitions, with the options for the rule set between the two.
+# Neither a large rule set nor a settings file that is a pipe holds up who pressed TAB.
+EXPLAIN = "timeout 2 adexp explain"
+NAMES = """</dev/null 2>/dev/null |
+        grep -m 20000 -xE '[[:alnum:]_][[:alnum:]_.-]*'"""
 
 
 def kind(placeholder, choices=()):
     """What is completed for an argument or the value of an option."""
     return ",".join(choices) or KINDS.get(placeholder, NOTHING)
+
+
+def subcommand(help):
+    return help.name.split()[-1]
 
 
 def bash_row(key, value):
@@ -143,23 +43,19 @@ def bash_arguments(help):
 
 
 def bash_completion(main, helps):
-    subcommands = [help.name.split()[1] for help in helps]
-    keys = {"adexp": main, **dict(zip(subcommands, helps))}
-    options = [(key, entry) for key, help in keys.items() for entry in help.entries(OPTIONS)]
-    rows = {
-        "@OPTIONS@": [bash_row(key, ",".join(name for entry in help.entries(OPTIONS)
-                                             for name in entry.names))
-                      for key, help in keys.items()],
+    options = [(subcommand(help), entry) for help in (main, *helps) for entry in help.entries(OPTIONS)]
+    return filled("bash", {
+        "@OPTIONS@": [bash_row(subcommand(help), ",".join(name for entry in help.entries(OPTIONS)
+                                                          for name in entry.names))
+                      for help in (main, *helps)],
         "@VALUES@": [bash_row(f"{key} {name}", kind(entry.value, entry.choices))
                      for key, entry in options if entry.value for name in entry.names],
-        "@ARGUMENTS@": [bash_row("adexp", ",".join(subcommands)),
-                        *(bash_row(key, bash_arguments(help))
-                          for key, help in zip(subcommands, helps))],
-    }
-    return filled(BASH, rows)
+        "@ARGUMENTS@": [bash_row("adexp", ",".join(map(subcommand, helps))),
+                        *(bash_row(subcommand(help), bash_arguments(help)) for help in helps)],
+    })
 
 
-ZSH_ACTIONS = {FILE: "_files", FOLDER: "_files -/", DEFINITION: "_adexp_definitions", NOTHING: " "}
+ZSH_ACTIONS = {FILE: "_files", DEFINITION: "_adexp_definitions", NOTHING: " "}
 
 
 def zsh_quoted(text, special):
@@ -195,23 +91,73 @@ def zsh_options(help):
 
 
 def zsh_case(help):
-    lines = [f"            {help.name.split()[1]})", "                _arguments \\"]
+    lines = [f"            {subcommand(help)})", "                _arguments \\"]
     specifications = zsh_options(help) + zsh_arguments(help)
     lines += [f"                    {line} \\" for line in specifications[:-1]]
     return [*lines, f"                    {specifications[-1]}", "                ;;"]
 
 
 def zsh_completion(main, helps):
-    rows = {
+    return filled("zsh", {
         "@SUBCOMMANDS@": [f"        '{entry.names[0]}:{zsh_quoted(entry.text, ':')}'"
                           for entry in main.entries(SUBCOMMANDS)],
         "@OPTIONS@": [f"        {line} \\" for line in zsh_options(main)],
         "@CASES@": [line for help in helps for line in zsh_case(help)],
-    }
-    return filled(ZSH, rows)
+    })
 
 
-def filled(template, rows):
-    for mark, lines in rows.items():
-        template = template.replace(mark, "\n".join(lines))
-    return template
+# "-f": no files.
+FISH_ACTIONS = {FILE: "-F", DEFINITION: "-f -a '(__adexp_definitions)'", NOTHING: "-f"}
+
+
+def fish_quoted(text):
+    return "'" + text.replace("\\", "\\\\").replace("'", "\\'") + "'"
+
+
+def fish_action(placeholder, choices=()):
+    return FISH_ACTIONS.get(kind(placeholder, choices), f"-f -a {fish_quoted(' '.join(choices))}")
+
+
+def fish_row(condition, *words):
+    return " ".join(filter(None, ("complete -c adexp -n", fish_quoted(condition), *words)))
+
+
+def fish_option(help, entry):
+    names = [f"-l {name[2:]}" if name.startswith("--") else f"-s {name[1:]}" for name in entry.names]
+    value = ("-r", fish_action(entry.value, entry.choices)) if entry.value else ()
+    return fish_row(f"__adexp_in {subcommand(help)}", *names, *value, "-d", fish_quoted(entry.text))
+
+
+def fish_arguments(help):
+    return [fish_row(f"__adexp_at {subcommand(help)} {'-ge' if is_repeated else '-eq'} {place}",
+                     fish_action(name))
+            for place, (name, is_repeated) in enumerate(help.arguments())]
+
+
+def fish_specification(entry):
+    """The option for the shell's parser of options; it may stand there again."""
+    return "/".join(name.lstrip("-") for name in entry.names) + "=+" * bool(entry.value)
+
+
+def fish_case(help):
+    specifications = " ".join(map(fish_specification, help.entries(OPTIONS)))
+    return [f"        case {subcommand(help)}", f"            set options {specifications}"]
+
+
+def fish_completion(main, helps):
+    return filled("fish", {
+        "@CASES@": [line for help in helps for line in fish_case(help)],
+        "@ROWS@": [*(fish_row("__adexp_in adexp", "-a", entry.names[0], "-d", fish_quoted(entry.text))
+                     for entry in main.entries(SUBCOMMANDS)),
+                   *(fish_option(help, entry) for help in (main, *helps)
+                     for entry in help.entries(OPTIONS)),
+                   *(line for help in helps for line in fish_arguments(help))],
+    })
+
+
+def filled(shell, rows):
+    """The script of the shell, with the rows in place of the marks."""
+    script = (Path(__file__).parent / f"completion.{shell}.in").read_text(encoding="utf-8")
+    for mark, lines in {**rows, "@EXPLAIN@": [EXPLAIN], "@NAMES@": [NAMES]}.items():
+        script = script.replace(mark, "\n".join(lines))
+    return script

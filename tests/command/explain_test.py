@@ -75,6 +75,17 @@ class Explain(OwnRules):
                          "  |  `- 'A'\n"
                          "  `- DIGIT, 3 times\n", result.stdout)
 
+    def test_without_a_name_the_names_of_all_are_shown_each_once(self):
+        result = self.explain()
+        self.assert_ends(result, 0)
+        self.assertEqual("LEVEL\nWORDS\nPAIR\nALL\nFL\nACK\nREJ\n", result.stdout)
+
+    def test_names_do_no_more_than_be_shown(self):
+        self.write("simple.xml", "<terms><simpleTerm name='A&#10;B&#x9b;C'><term>'A'</term></simpleTerm></terms>")
+        self.write("primary.xml", "<terms/>")
+        self.write("rules.xml", "<rules/>")
+        self.assertEqual(self.explain().stdout, "A\\nB\\u009BC\n")
+
     def test_field_and_message_rule_of_one_name(self):
         result = self.explain("ACK")
         self.assert_ends(result, 0)

@@ -1,134 +1,127 @@
 #!/usr/bin/env python3
-"""Completes command lines of adexp in bash and zsh.
+"""Presses TAB behind command lines of adexp in bash, zsh and fish, each on a terminal of its own.
 
     completion_test.py ADEXP FOLDER
 
-FOLDER has the scripts, as bash/adexp and zsh/_adexp.
+FOLDER has the scripts, as bash/adexp, zsh/_adexp and fish/adexp.fish.
 """
+import fcntl
 import os
 import pty
 import re
 import select
+import shlex
+import shutil
 import subprocess
 import sys
 import tempfile
+import termios
 import time
 import unittest
 from pathlib import Path
+from xml.sax.saxutils import quoteattr
 
 DATA = Path(__file__).resolve().parents[1] / "command" / "data"
 TIMEOUT = 60
+# Keys: completes; writes down the line as it is; deletes it.
+TAB, RECORD, DELETE = "\t", "\x14", "\x15"
 
-# Sources the script $1 and completes the last of the words that follow.
+# What makes a shell ready. The key RECORD writes the line to a file.
 BASH = """\
-source "$1"
-shift
-COMP_WORDS=("$@")
-COMP_CWORD=$(($# - 1))
-_adexp
-((${#COMPREPLY[@]} == 0)) || printf '%s\\n' "${COMPREPLY[@]}"
+PS1= HISTFILE=
+source {scripts}/bash/adexp
+record() {{ printf '%s' "$READLINE_LINE" > {folder}/partial; mv {folder}/partial {folder}/line; }}
+bind -x '"\\C-t": record'
+bind 'set bell-style none'
+bind 'set enable-bracketed-paste off'
+bind 'set page-completions off'
+bind 'set completion-query-items 0'
+touch {folder}/ready
 """
-
-# Control-X writes down the line as it is.
 ZSH = """\
 PS1= RPS1=
-fpath=({scripts} $fpath)
+fpath=({scripts}/zsh $fpath)
 autoload -U compinit && compinit -u -d {folder}/dump
-record() {{ print -r -- "$BUFFER" > {folder}/partial; mv {folder}/partial {folder}/line }}
+record() {{ print -rn -- "$BUFFER" > {folder}/partial; mv {folder}/partial {folder}/line }}
 zle -N record
-bindkey '^X' record
+bindkey '^T' record
 bindkey '^I' complete-word
 setopt no_auto_list no_beep
 touch {folder}/ready
 """
+FISH = """\
+function fish_prompt; end
+source {scripts}/fish/adexp.fish
+set fish_autosuggestion_enabled 0
+bind \\ct 'commandline | string collect > {folder}/partial; mv {folder}/partial {folder}/line'
+touch {folder}/ready
+"""
+
+# Names that run TOUCH, which makes a file RAN, where a shell takes them for code. They are in capitals
+# since the names of definitions are.
+HOSTILE = [
+    "$(>RAN)",
+    "`>RAN`",
+    "$(TOUCH RAN)",
+    "`TOUCH RAN`",
+    "(TOUCH RAN)",
+    "<(TOUCH RAN)",
+    "A;TOUCH RAN;",
+    "A&TOUCH RAN&",
+    "A|TOUCH RAN",
+    "A' ;TOUCH RAN; '",
+    "A\" ;TOUCH RAN; \"",
+    "\"$(TOUCH RAN)\"",
+    "'$(TOUCH RAN)'",
+    "A\\$(TOUCH RAN)",
+    "${A:=$(TOUCH RAN)}",
+    "$((A[$(TOUCH RAN)]))",
+    "A[$(TOUCH RAN)]",
+    "A\nTOUCH RAN\n",
+    "A\n$(TOUCH RAN)\n",
+    " A B  C ",
+    "*",
+    "[A-Z]?{A,B}",
+    "~ROOT",
+    "#A",
+    "!A",
+    "=A",
+    "A:B=C",
+    "Ä ö",
+]
 
 
-class Completion(unittest.TestCase):
+class Shell(unittest.TestCase):
+    """The tests, which each of the shells below goes through."""
+
+    command = []
+    setup = ""
 
     def setUp(self):
         folder = tempfile.TemporaryDirectory()
         self.addCleanup(folder.cleanup)
         self.folder = Path(folder.name)
-        (self.folder / "work").mkdir()
-        for name in ("plan one.adexp", "plant.adexp", "rules.ini"):
-            (self.folder / "work" / name).touch()
-        (self.folder / "work" / "plans").mkdir()
-        self.environment = dict(os.environ, PATH=f"{ADEXP.parent}{os.pathsep}{os.environ['PATH']}")
-
-    def settings_of_the_tests(self):
-        files = {"simpleTermsFile": "simpleterms.xml", "subFieldsFile": "subfields.xml",
-                 "primaryFieldsFile": "primaryfields.xml", "msgRulesFile": "msgrules.xml"}
-        settings = self.folder / "work" / "own.ini"
-        settings.write_text("[rules]\n" + "".join(f'{key}="{DATA / name}"\n'
-                                                  for key, name in files.items()), encoding="utf-8")
-
-
-class Bash(Completion):
-
-    def complete(self, *words):
-        result = subprocess.run(["bash", "--norc", "-c", BASH, "bash", SCRIPTS / "bash" / "adexp",
-                                 "adexp", *words], cwd=self.folder / "work", env=self.environment,
-                                capture_output=True, text=True, timeout=TIMEOUT, check=True)
-        self.assertEqual(result.stderr, "")
-        return result.stdout.splitlines()
-
-    def test_subcommands(self):
-        help = subprocess.run([ADEXP, "--help"], capture_output=True, text=True, check=True).stdout
-        section = re.search(r"^subcommands:\n((?: .*\n)+)", help, re.MULTILINE | re.IGNORECASE)[1]
-        self.assertEqual(self.complete(""), re.findall(r"^  (\S+)", section, re.MULTILINE))
-        self.assertEqual(self.complete("con"), ["convert"])
-
-    def test_options(self):
-        self.assertEqual(self.complete("--"), ["--help", "--version"])
-        self.assertEqual(self.complete("tree", "--"), ["--help", "--settings"])
-        self.assertEqual(self.complete("convert", "plant.adexp", "--s"), ["--settings", "--summary"])
-
-    def test_files(self):
-        self.assertEqual(sorted(self.complete("convert", "pl")),
-                         ["plan one.adexp", "plans", "plant.adexp"])
-        self.assertEqual(self.complete("convert", "a", "b", "plant"), ["plant.adexp"])
-        self.assertEqual(self.complete("tree", "plant"), ["plant.adexp"])
-        self.assertEqual(self.complete("tree", "plant.adexp", "pl"), [])
-
-    def test_values_of_options(self):
-        self.assertEqual(self.complete("convert", "--settings", "ru"), ["rules.ini"])
-        self.assertEqual(self.complete("convert", "--settings", "=", "ru"), ["rules.ini"])
-        self.assertIn("rules.ini", self.complete("convert", "--settings", "="))
-        self.assertEqual(self.complete("convert", "--settings", "x", "--settings", "y", "plant"),
-                         ["plant.adexp"])
-
-    def test_words(self):
-        self.assertEqual(self.complete("check", "--format", ""), ["text", "json"])
-        self.assertEqual(self.complete("check", "--format", "=", "j"), ["json"])
-
-    def test_definitions(self):
-        self.assertEqual(self.complete("dump", "ARCIDK"), ["ARCIDK"])
-        self.assertEqual(self.complete("dump", "arcidk"), ["ARCIDK"])
-        self.assertEqual(self.complete("dump", "ARCIDK", "A"), [])
-        self.assertEqual(self.complete("match", "ARCIDK"), ["ARCIDK"])
-        self.assertEqual(self.complete("match", "ARCIDK", "A"), [])
-
-    def test_definitions_of_another_rule_set(self):
-        self.settings_of_the_tests()
-        for settings in (["--settings", "own.ini"], ["--settings", "=", "own.ini"]):
-            self.assertEqual(self.complete("dump", *settings, "P"), ["POINT", "PLAN"])
-        self.assertEqual(self.complete("dump", "--settings", "missing.ini", "A"), [])
-
-    def test_unknown_subcommand(self):
-        self.assertEqual(self.complete("nosuch", ""), [])
-
-
-class Zsh(Completion):
+        self.work = self.folder / "work"
+        self.work.mkdir()
+        programs = self.folder / "programs"
+        programs.mkdir()
+        (programs / "adexp").symlink_to(ADEXP)
+        (programs / "TOUCH").symlink_to(shutil.which("touch"))
+        self.environment = dict(os.environ, TERM="dumb", HOME=str(self.folder), LC_ALL="C.UTF-8",
+                                PATH=f"{programs}{os.pathsep}{os.environ['PATH']}")
+        self.environment.pop("XDG_CONFIG_HOME", None)
 
     def start(self):
-        """An interactive shell on a terminal of its own."""
+        """An interactive shell, ready for a command line."""
         setup = self.folder / "setup"
-        setup.write_text(ZSH.format(scripts=SCRIPTS / "zsh", folder=self.folder), encoding="utf-8")
+        setup.write_text(self.setup.format(scripts=shlex.quote(str(SCRIPTS)), folder=self.folder),
+                         encoding="utf-8")
         self.master, slave = pty.openpty()
         self.addCleanup(os.close, self.master)
-        shell = subprocess.Popen(["zsh", "-f", "-i"], cwd=self.folder / "work", stdin=slave,
-                                 stdout=slave, stderr=slave, start_new_session=True,
-                                 env=dict(self.environment, TERM="dumb"))
+        shell = subprocess.Popen(
+            [*self.command, "-i"], cwd=self.work, env=self.environment,
+            stdin=slave, stdout=slave, stderr=slave, start_new_session=True,
+            preexec_fn=lambda: fcntl.ioctl(0, termios.TIOCSCTTY, 0))
         os.close(slave)
         self.addCleanup(shell.wait)
         self.addCleanup(shell.kill)
@@ -141,44 +134,199 @@ class Zsh(Completion):
     def wait_for(self, name):
         end = time.monotonic() + TIMEOUT
         while not (self.folder / name).exists():
-            self.assertLess(time.monotonic(), end, f"zsh makes no {name}")
+            self.assertLess(time.monotonic(), end, f"the shell makes no {name}")
             if select.select([self.master], [], [], 0.02)[0]:
-                os.read(self.master, 4096)
+                os.read(self.master, 65536)
 
-    def complete(self, line):
-        """The line after the tabulator key."""
-        self.send(f"{line}\t\x18")
+    def complete(self, line, keys=TAB):
+        """The line after the keys."""
+        self.send(line + keys + RECORD)
         self.wait_for("line")
-        result = (self.folder / "line").read_text(encoding="utf-8").rstrip("\n")
+        result = (self.folder / "line").read_text(encoding="utf-8")
         (self.folder / "line").unlink()
-        self.send("\x15")  # deletes the line
-        return result
+        self.send(DELETE)
+        # Without the line feed of a shell that ends the line with one.
+        return re.sub(r"(?<! )\n\Z", "", result)
 
-    def test_syntax(self):
-        result = subprocess.run(["zsh", "-n", SCRIPTS / "zsh" / "_adexp"], capture_output=True,
-                                text=True, check=False)
-        self.assertEqual((result.returncode, result.stderr), (0, ""))
+    def assert_nothing_ran(self):
+        found = list(self.folder.rglob("RAN"))
+        for path in found:
+            path.unlink()  # which is no fault of the next name
+        self.assertEqual(found, [])
 
-    def test_lines(self):
-        self.settings_of_the_tests()
+    def assert_lines(self, table):
         self.start()
-        for line, expected in [
-                ("adexp con", "adexp convert "),
-                ("adexp --v", "adexp --version "),
-                ("adexp convert --su", "adexp convert --summary "),
-                ("adexp convert --settings ru", "adexp convert --settings rules.ini "),
-                ("adexp convert --settings=ru", "adexp convert --settings=rules.ini "),
-                ("adexp convert plant", "adexp convert plant.adexp "),
-                ("adexp convert x plant", "adexp convert x plant.adexp "),
-                ("adexp tree x plant", "adexp tree x plant"),
-                ("adexp convert --summary --out", "adexp convert --summary --output="),
-                ("adexp dump arcidk", "adexp dump ARCIDK "),
-                ("adexp match ARCIDK arcidk", "adexp match ARCIDK arcidk"),
-                ("adexp check --format j", "adexp check --format json "),
-                ("adexp dump --settings own.ini PL", "adexp dump --settings own.ini PLAN "),
-        ]:
+        for line, expected in table:
             with self.subTest(line):
                 self.assertEqual(self.complete(line), expected)
+
+    def words_of(self, line):
+        """The words that the shell makes of the arguments of a line, as they reach a program."""
+        printed = subprocess.run([*self.command, "-c", re.sub("^adexp ", r"printf '%s\\0' ", line)],
+                                 cwd=self.work, env=self.environment, capture_output=True, check=True)
+        return printed.stdout.decode().split("\0")[:-1]
+
+    def make_files(self):
+        for name in ("plan one.adexp", "plant.adexp", "rules.ini"):
+            (self.work / name).touch()
+        (self.work / "plans").mkdir()
+
+    def write_rule_set(self, names, settings="own.ini"):
+        """The rule set of the tests of the command, with more definitions."""
+        (self.work / "terms.xml").write_text(
+            "<simpleTerms>\n" + "".join(
+                f"<simpleTerm name={quoteattr(name, {chr(10): '&#10;'})}><term>'A'</term></simpleTerm>\n"
+                for name in names) + "</simpleTerms>\n", encoding="utf-8")
+        files = {"simpleTermsFile": self.work / "terms.xml", "subFieldsFile": DATA / "subfields.xml",
+                 "primaryFieldsFile": DATA / "primaryfields.xml",
+                 "msgRulesFile": DATA / "msgrules.xml"}
+        (self.work / settings).write_text("[rules]\n" + "".join(
+            f'{key}="{name}"\n' for key, name in files.items()), encoding="utf-8")
+
+    def test_subcommands(self):
+        help = subprocess.run([ADEXP, "--help"], capture_output=True, text=True, check=True).stdout
+        section = re.search(r"^subcommands:\n((?: .*\n)+)", help, re.MULTILINE | re.IGNORECASE)[1]
+        names = re.findall(r"^  (\S+)", section, re.MULTILINE)
+        self.assertTrue(names)
+        self.assert_lines((f"adexp {name[:2]}", f"adexp {name} ") for name in names)
+
+    def test_options(self):
+        self.assert_lines([
+            ("adexp --v", "adexp --version "),
+            ("adexp tree --s", f"adexp tree --settings{self.behind_option}"),
+            ("adexp tree --v", "adexp tree --v"),
+            ("adexp convert plant.adexp --su", "adexp convert plant.adexp --summary "),
+            ("adexp convert --summary --out", f"adexp convert --summary --output{self.behind_option}"),
+        ])
+
+    def test_values_of_options(self):
+        self.make_files()
+        self.assert_lines([
+            ("adexp convert --settings ru", "adexp convert --settings rules.ini "),
+            ("adexp convert --settings=ru", "adexp convert --settings=rules.ini "),
+            ("adexp convert --settings x --settings ru", "adexp convert --settings x --settings rules.ini "),
+            ("adexp check --format j", "adexp check --format json "),
+            ("adexp check --format=j", "adexp check --format=json "),
+            ("adexp convert --jobs ru", "adexp convert --jobs ru"),
+        ])
+
+    def test_files(self):
+        self.make_files()
+        self.assert_lines([
+            ("adexp convert plant", "adexp convert plant.adexp "),
+            ("adexp convert x plant", "adexp convert x plant.adexp "),
+            ("adexp convert --settings x plant", "adexp convert --settings x plant.adexp "),
+            ("adexp convert plans", "adexp convert plans/"),
+            ("adexp tree plant", "adexp tree plant.adexp "),
+            ("adexp tree x plant", "adexp tree x plant"),
+            ("adexp nosuch plant", "adexp nosuch plant"),
+        ])
+
+    def test_definitions(self):
+        self.write_rule_set(["PLAIN", "ТЕРМ"])
+        self.assert_lines([
+            ("adexp dump ARCIDK", "adexp dump ARCIDK "),
+            ("adexp dump arcidk", "adexp dump ARCIDK "),
+            ("adexp explain arcidk", "adexp explain ARCIDK "),
+            ("adexp dump ARCIDK arcidk", "adexp dump ARCIDK arcidk"),
+            ("adexp match arcidk", "adexp match ARCIDK "),
+            ("adexp match ARCIDK arcidk", "adexp match ARCIDK arcidk"),
+            ("adexp dump --settings own.ini PLAI", "adexp dump --settings own.ini PLAIN "),
+            ("adexp dump --settings=own.ini PLAI", "adexp dump --settings=own.ini PLAIN "),
+            ("adexp dump --settings ~/work/own.ini PLAI", "adexp dump --settings ~/work/own.ini PLAIN "),
+            ("adexp dump --settings own.ini ТЕ", "adexp dump --settings own.ini ТЕРМ "),
+            ("adexp dump --settings missing.ini ARCIDK", "adexp dump --settings missing.ini ARCIDK"),
+        ])
+
+    def test_a_settings_file_that_never_ends_holds_nobody_up(self):
+        os.mkfifo(self.work / "pipe.ini")
+        self.start()
+        begin = time.monotonic()
+        self.complete("adexp dump --settings pipe.ini A")
+        self.assertLess(time.monotonic() - begin, TIMEOUT / 2)
+
+    def test_no_name_of_a_definition_is_run(self):
+        self.start()
+        for number, name in enumerate(HOSTILE):
+            with self.subTest(name):
+                settings = f"{number}.ini"
+                self.write_rule_set([name, "PLAIN"], settings)
+                dump = subprocess.run([ADEXP, "dump", "--settings", settings], cwd=self.work, text=True,
+                                      capture_output=True, encoding="utf-8", check=False).stdout
+                self.assertIn(f"{name.upper()} = ", dump)  # the rule set has it
+                self.complete(f"adexp dump --settings {settings} ", TAB + TAB)
+                self.assert_nothing_ran()
+                self.assertEqual(self.complete(f"adexp dump --settings {settings} PLAI"),
+                                 f"adexp dump --settings {settings} PLAIN ")
+
+    def test_no_name_of_a_file_is_run(self):
+        self.start()
+        for number, name in enumerate(HOSTILE):
+            with self.subTest(name):
+                (self.work / str(number)).mkdir()
+                (self.work / str(number) / name).touch()
+                line = self.complete(f"adexp convert {number}/")
+                self.assert_nothing_ran()
+                self.assertEqual(self.words_of(line), ["convert", f"{number}/{name}"])
+                self.assert_nothing_ran()
+
+    def test_no_name_of_a_folder_is_run(self):
+        self.start()
+        for number, name in enumerate(HOSTILE):
+            with self.subTest(name):
+                (self.work / str(number) / name).mkdir(parents=True)
+                (self.work / str(number) / name / "plan.adexp").touch()
+                line = self.complete(f"adexp convert {number}/", TAB + TAB)
+                self.assert_nothing_ran()
+                # Not every shell looks into every folder.
+                path = self.words_of(line)[1]
+                self.assertEqual(f"{number}/{name}/plan.adexp"[:len(path)], path)
+                self.assertIn(name, path)
+                self.assert_nothing_ran()
+
+    def test_no_name_of_a_settings_file_is_run(self):
+        self.start()
+        for number, name in enumerate(HOSTILE):
+            with self.subTest(name):
+                (self.work / str(number)).mkdir()
+                self.write_rule_set(["PLAIN"], f"{number}/{name}.ini")
+                settings = self.complete(f"adexp dump --settings {number}/")
+                line = self.complete(f"adexp dump --settings {number}/", f"{TAB}PLAI{TAB}")
+                self.assert_nothing_ran()
+                if "\n" not in name:  # bash and zsh have other quotes for it
+                    self.assertEqual(line, f"{settings}PLAIN ")
+
+    def test_no_word_of_the_line_is_run(self):
+        self.start()
+        for word in ("'$(TOUCH RAN)'", "'-$(TOUCH RAN)'", "'--settings=$(TOUCH RAN)'", "'`TOUCH RAN`'",
+                     "'A[$(TOUCH RAN)]'"):
+            for subcommand in ("", "convert ", "dump "):
+                with self.subTest(word=word, subcommand=subcommand):
+                    self.complete(f"adexp {subcommand}{word} ")
+                    self.complete(f"adexp {subcommand}--settings {word} ")
+                    self.complete(f"adexp {subcommand}{word[:-1]}")
+                    self.assert_nothing_ran()
+
+
+class Bash(Shell):
+    command = ["bash", "--norc", "--noprofile"]
+    setup = BASH
+    behind_option = " "
+
+
+class Zsh(Shell):
+    command = ["zsh", "-f"]
+    setup = ZSH
+    behind_option = "="
+
+
+class Fish(Shell):
+    command = ["fish", "--no-config"]
+    setup = FISH
+    behind_option = " "
+
+
+del Shell  # has no shell of its own
 
 
 if __name__ == "__main__":

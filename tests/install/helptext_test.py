@@ -6,7 +6,7 @@ from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "manual"))
 
-from completion import bash_completion, zsh_completion  # noqa: E402
+from completion import bash_completion, fish_completion, zsh_completion  # noqa: E402
 from helptext import Entry, heads, parsed_entry, parsed_help  # noqa: E402
 from manpage import manual_page  # noqa: E402
 
@@ -116,6 +116,14 @@ class HelpText(unittest.TestCase):
                     "'*:FILE:_files'"):
             with self.subTest(row):
                 self.assertIn(f"        {row}", zsh)
+        fish = fish_completion(main, [self.help])
+        for row in ("            set options h/help j/jobs=+ form=+ list=+",
+                    r"complete -c adexp -n '__adexp_in adexp' -a do -d 'It\'s: done'",
+                    r"complete -c adexp -n '__adexp_in do' -l form -r -f -a 'a b' -d 'How it\'s done'",
+                    "complete -c adexp -n '__adexp_at do -eq 0' -f -a '(__adexp_definitions)'",
+                    "complete -c adexp -n '__adexp_at do -ge 1' -F"):
+            with self.subTest(row):
+                self.assertIn(f"{row}\n", fish)
 
 
 if __name__ == "__main__":

@@ -3,12 +3,12 @@
 
     install_test.py CMAKE GENERATOR BUILD_FOLDER C_COMPILER SANITIZERS LIBDIR
 
-GENERATOR is that of the build: another one may need programs that are not there.
 SANITIZERS is what the library was built with ("address,undefined" or nothing): a program that uses it
 has to be built with the same. LIBDIR is where the library goes in the folder, "lib" or the like.
 """
 import os
 import re
+import shlex
 import shutil
 import subprocess
 import sys
@@ -32,8 +32,9 @@ target_link_libraries(convert PRIVATE adexp::adexp)
 
 def run(*command, **options):
     """What the command prints; it must succeed."""
-    result = subprocess.run(command, text=True, encoding="utf-8", stdout=subprocess.PIPE,
-                            stderr=subprocess.STDOUT, check=False, **options)
+    # pkg-config quotes each byte of a letter.
+    result = subprocess.run(command, text=True, encoding="utf-8", errors="surrogateescape",
+                            stdout=subprocess.PIPE, stderr=subprocess.STDOUT, check=False, **options)
     assert result.returncode == 0, result.stdout
     return result.stdout
 
@@ -47,7 +48,7 @@ class Installed(unittest.TestCase):
         first = cls.folder / "first"
         run(CMAKE, "--install", BUILD, "--prefix", first)
         # What is installed must not know where: it is used from another place.
-        cls.prefix = first.rename(cls.folder / "a place with blanks")
+        cls.prefix = first.rename(cls.folder / "a place (1) für alle")
         cls.library_folder = cls.prefix / LIBDIR
 
     def setUp(self):
@@ -67,8 +68,7 @@ class Installed(unittest.TestCase):
         (self.work / "CMakeLists.txt").write_text(PROJECT.format(version=version, example=EXAMPLE),
                                                   encoding="utf-8")
         return subprocess.run(
-            [CMAKE, "-G", GENERATOR, "-S", self.work, "-B", self.work / "build",
-             f"-DCMAKE_PREFIX_PATH={self.prefix}",
+            [CMAKE, "-G", GENERATOR, "-S", self.work, "-B", self.work / "build", f"-DCMAKE_PREFIX_PATH={self.prefix}",
              f"-DCMAKE_C_COMPILER={COMPILER}"],
             env=self.environment, text=True, capture_output=True, check=False)
 
@@ -82,7 +82,8 @@ class Installed(unittest.TestCase):
                      "share/man/man1/adexp.1", "share/man/man1/adexp-convert.1",
                      "share/man/man3/libadexp.3", "share/man/man3/init_adexp.3",
                      "share/bash-completion/completions/adexp", "share/zsh/site-functions/_adexp",
-                     "share/doc/adexp/LICENSE", "share/doc/adexp/README.md",
+                     "share/fish/vendor_completions.d/adexp.fish",
+                     "share/doc/adexp/docs/reference.md", "share/doc/adexp/LICENSE", "share/doc/adexp/README.md",
                      "share/doc/adexp/docs/guide.md", "share/doc/adexp/examples/convert.c",
                      "share/doc/adexp/examples/reports.cpp", "share/doc/adexp/examples/table.py",
                      "share/doc/adexp/bindings/python/README.md", "share/doc/adexp/SECURITY.md",
@@ -106,8 +107,7 @@ class Installed(unittest.TestCase):
         found = run("pkg-config", "--cflags", "--libs", "adexp >= 1.0", env=dict(
             os.environ, PKG_CONFIG_PATH=str(self.library_folder / "pkgconfig")))
         program = self.work / "convert"
-        # The shell reads what pkg-config prints, as it does for users.
-        run("sh", "-c", f'"$@" {found}', "sh", COMPILER, *self.flags, EXAMPLE, "-o", program)
+        run(COMPILER, *self.flags, EXAMPLE, "-o", program, *shlex.split(found))
         self.assert_converts(program, env=dict(os.environ, LD_LIBRARY_PATH=str(self.library_folder)))
 
     def test_pkg_config_knows_the_version(self):
@@ -127,10 +127,23 @@ class Installed(unittest.TestCase):
                            LD_LIBRARY_PATH=str(self.library_folder))
         self.assert_converts(sys.executable, "-B", "-c", program, cwd=self.work, env=environment)
 
-    def test_the_python_module_has_the_version_of_the_library(self):
-        project = (ROOT / "bindings/python/pyproject.toml").read_text(encoding="utf-8")
-        version = re.search(r'^version = "(.*)"$', project, re.MULTILINE)[1]
-        self.assertEqual(run(self.prefix / "bin" / "adexp", "--version"), f"adexp {version}\n")
+    def test_the_python_module_goes_where_python_looks(self):
+        version = run("/usr/bin/python3", "-c", "import sys; print('%s.%s' % sys.version_info[:2])").strip()
+        for prefix, folder in (("/usr", "lib/python3/dist-packages"),
+                               ("/usr/local", f"lib/python{version}/dist-packages"),
+                               (Path.home() / ".local", f"lib/python{version}/site-packages"),
+                               (self.prefix, f"lib/python{version}/site-packages")):
+            with self.subTest(prefix):
+                self.assertEqual(run("/usr/bin/python3", "-B", ROOT / "cmake" / "pythonfolder.py", prefix),
+                                 f"{folder}\n")
+
+    def test_module_and_packages_have_the_version_of_the_library(self):
+        for file, pattern in (("bindings/python/pyproject.toml", r'^version = "(.*)"$'),
+                              ("debian/changelog", r"\Aadexp \((.*)\) ")):
+            with self.subTest(file):
+                text = (ROOT / file).read_text(encoding="utf-8")
+                version = re.search(pattern, text, re.MULTILINE)[1]
+                self.assertEqual(run(self.prefix / "bin" / "adexp", "--version"), f"adexp {version}\n")
 
     def test_the_command(self):
         self.assert_converts(self.prefix / "bin" / "adexp", "convert")

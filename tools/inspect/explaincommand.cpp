@@ -10,16 +10,20 @@
 
 #include <CLI/CLI.hpp>
 
+#include <QSet>
+
 #include <algorithm>
 
 namespace {
 
 constexpr const char* ExplainFooter =
-    "NAME is a term or the title of a message rule, in capital or small letters. In the tree,\n"
-    "SEP shows where white space may be, even if the definition does not name it.\n"
+    "NAME is a term or the title of a message rule, in capital or small letters. Without NAME,\n"
+    "the names of all are shown, in the order of loading. In the tree, SEP shows where white\n"
+    "space may be, even if the definition does not name it.\n"
     "\n"
-    "Example:\n"
-    "  adexp explain EOBT\n";
+    "Examples:\n"
+    "  adexp explain EOBT\n"
+    "  adexp explain --settings my.ini\n";
 
 // The record that the definition was loaded from; null if its file has changed since.
 const RuleRecord* recordOf(const TermStd* definition, const std::vector<RuleRecord>& records)
@@ -106,8 +110,24 @@ void explain(const TermStd* definition, StandardOutput* out)
     out->write(indented(termTree(definition)) + '\n');
 }
 
-ExitCode explainName(const std::string& name)
+// The name of a term and a message rule that share it is shown once.
+ExitCode printNames()
 {
+    StandardOutput out;
+    QSet<QString> shown;
+    for (const TermStd* definition : allDefinitions()) {
+        const QString& name = definition->config.recordName;
+        if (!shown.contains(name))
+            printLine(&out, name, {});
+        shown.insert(name);
+    }
+    return out.flush() ? ExitCode::Success : ExitCode::NotDone;
+}
+
+ExitCode explain(const std::string& name)
+{
+    if (name.empty())
+        return printNames();
     // All names in a rule set are in upper case.
     const QString recordName = QString::fromStdString(name).toUpper();
     const std::vector<TermStd*> definitions = definitionsNamed(recordName);
@@ -132,12 +152,12 @@ CLI::App* addExplainCommand(CLI::App* app, ExplainOptions* options)
         app->add_subcommand("explain", "Tell what a definition or message rule says");
     addFooter(command, ExplainFooter);
     addSettingsOption(command, &options->settings);
-    command->add_option("NAME", options->name, "Term or title")->type_name("")->required();
+    command->add_option("NAME", options->name, "Term or title")->type_name("");
     return command;
 }
 
 ExitCode runExplain(const ExplainOptions& options)
 {
     const RuleSet rules(options.settings);
-    return rules.isLoaded() ? worse(rules.status(), explainName(options.name)) : rules.status();
+    return rules.isLoaded() ? worse(rules.status(), explain(options.name)) : rules.status();
 }
