@@ -1,13 +1,12 @@
 #include "markedtext.h"
 
-#include "adexpfield.h"
 #include "html.h"
 
 #include <algorithm>
 #include <set>
 
-MarkedText::MarkedText(QStringView text, const TextPlaces& places, const FieldStretches& fields,
-                       const std::vector<MessageFindings::Counted>& findings)
+MarkedText::MarkedText(QStringView text, const TextPlaces& places, const MessageFields& fields,
+                       const MessageFindings& findings)
     : m_text(text), m_fields(fields), m_findings(findings), m_isBegun(findings.size())
 {
     splitIntoRuns(places);
@@ -24,7 +23,7 @@ void MarkedText::splitIntoRuns(const TextPlaces& places)
     };
     std::vector<Bound> bounds;
     for (size_t i = 0; i < m_findings.size(); ++i) {
-        const Finding& finding = m_findings[i].finding;
+        const MessageFinding& finding = m_findings[i];
         if (finding.begin < 0)
             continue;
         bounds.push_back({places.characterBegin(finding.begin), true, i});
@@ -47,7 +46,7 @@ void MarkedText::splitIntoRuns(const TextPlaces& places)
 std::string MarkedText::html()
 {
     for (size_t i = 0; i < m_fields.size(); ++i) {
-        const FieldStretch& field = m_fields[i];
+        const MessageField& field = m_fields[i];
         while (!m_open.empty() && static_cast<int>(m_open.back()) != field.parent)
             closeField();
         writeUntil(field.begin);
@@ -66,9 +65,9 @@ void MarkedText::openField(size_t index)
 {
     const std::string number = std::to_string(index);
     m_html += "<span class=\"field";
-    if (!m_fields[index].field->subFields.empty())
+    if (m_fields[index].subFields > 0)
         m_html += " group";
-    if (!m_fields[index].field->fieldTerm)
+    if (!m_fields[index].isKnown)
         m_html += " unknown";
     m_html += "\" id=\"t" + number + "\" data-i=\"" + number + "\">";
     m_open.push_back(index);
@@ -76,7 +75,7 @@ void MarkedText::openField(size_t index)
 
 void MarkedText::closeField()
 {
-    const FieldStretch& field = m_fields[m_open.back()];
+    const MessageField& field = m_fields[m_open.back()];
     if (field.parent != -1) {
         writeUntil(field.endKeyword);
         writeKeyword(field.endKeyword, field.end);
@@ -112,7 +111,7 @@ void MarkedText::writeUntil(int position)
 void MarkedText::openMark(size_t finding)
 {
     const std::string number = std::to_string(finding + 1);
-    const bool isWarning = m_findings[finding].finding.severity == Severity::Warning;
+    const bool isWarning = m_findings[finding].severity == Severity::Warning;
     m_html += isWarning ? "<mark class=\"warning\"" : "<mark class=\"error\"";
     if (!m_isBegun[finding])
         m_html += " id=\"m" + number + '"';

@@ -1,8 +1,9 @@
 #ifndef MARKEDTEXT_H
 #define MARKEDTEXT_H
 
-#include "fieldstretches.h"
-#include "messagefindings.h"
+#include "messagefield.h"
+#include "messagefinding.h"
+#include "textplaces.h"
 
 #include <QStringView>
 
@@ -21,8 +22,8 @@ class MarkedText
 public:
     /// The text of @p places is @p text; both must stay, as must @p fields (empty if there are
     /// none) and @p findings.
-    MarkedText(QStringView text, const TextPlaces& places, const FieldStretches& fields,
-               const std::vector<MessageFindings::Counted>& findings);
+    MarkedText(QStringView text, const TextPlaces& places, const MessageFields& fields,
+               const MessageFindings& findings);
 
     /// The HTML. To be called once.
     std::string html();
@@ -43,8 +44,8 @@ private:
     void openMark(size_t finding);
 
     QStringView m_text;
-    const FieldStretches& m_fields;
-    const std::vector<MessageFindings::Counted>& m_findings;
+    const MessageFields& m_fields;
+    const MessageFindings& m_findings;
     std::vector<Run> m_runs;
     std::vector<bool> m_isBegun;            // for each finding: its first piece is written
     std::vector<size_t> m_open;             // indexes of the fields whose elements are open

@@ -1,6 +1,5 @@
 #include "markedtree.h"
 
-#include "adexpfield.h"
 #include "html.h"
 
 #include <algorithm>
@@ -10,36 +9,20 @@ namespace {
 // More would push the field itself out of its row; the list of findings has them all.
 constexpr size_t MaxNumbers = 3;
 
-std::vector<std::vector<size_t>>
-findingsByField(const FieldStretches& fields, const std::vector<MessageFindings::Counted>& findings)
+std::vector<std::vector<size_t>> findingsByField(const MessageFields& fields,
+                                                 const MessageFindings& findings)
 {
     std::vector<std::vector<size_t>> result(fields.size());
     for (size_t i = 0; i < findings.size(); ++i)
-        if (findings[i].finding.begin >= 0)
-            result[static_cast<size_t>(fieldAt(fields, findings[i].finding.begin))].push_back(i);
-    return result;
-}
-
-std::vector<int> itemNumbers(const FieldStretches& fields)
-{
-    std::vector<int> lastNumber(fields.size()); // by list: of the item last opened
-    std::vector<int> result(fields.size());
-    for (size_t i = 1; i < fields.size(); ++i) {
-        int& last = lastNumber[static_cast<size_t>(fields[i].parent)];
-        if (fields[i].field->itemIndex != last)
-            result[i] = last = fields[i].field->itemIndex;
-    }
+        if (findings[i].begin >= 0)
+            result[static_cast<size_t>(fieldAt(fields, findings[i].begin))].push_back(i);
     return result;
 }
 
 } // namespace
 
-MarkedTree::MarkedTree(const FieldStretches& fields,
-                       const std::vector<MessageFindings::Counted>& findings)
-    : m_fields(fields),
-      m_findings(findings),
-      m_findingsOf(findingsByField(fields, findings)),
-      m_itemNumbers(itemNumbers(fields))
+MarkedTree::MarkedTree(const MessageFields& fields, const MessageFindings& findings)
+    : m_fields(fields), m_findings(findings), m_findingsOf(findingsByField(fields, findings))
 {
 }
 
@@ -55,7 +38,7 @@ std::string MarkedTree::html() const
         depth = m_fields[i].depth;
         openItem(i, &html);
         appendRow(i, &html);
-        if (hasSubFields(i))
+        if (m_fields[i].subFields > 0)
             html += "<ul role=\"group\">\n";
     }
     html += "</li>\n";
@@ -64,48 +47,44 @@ std::string MarkedTree::html() const
     return html + "</ul>";
 }
 
-bool MarkedTree::hasSubFields(size_t index) const
-{
-    return !m_fields[index].field->subFields.empty();
-}
-
 void MarkedTree::openItem(size_t index, std::string* html) const
 {
+    const MessageField& field = m_fields[index];
     const std::string number = std::to_string(index);
     *html += "<li role=\"treeitem\" id=\"n" + number + "\" data-i=\"" + number +
-             "\" aria-level=\"" + std::to_string(m_fields[index].depth + 1) +
+             "\" aria-level=\"" + std::to_string(field.depth + 1) +
              "\" aria-selected=\"false\" tabindex=\"" + (index == 0 ? "0\"" : "-1\"");
-    if (hasSubFields(index))
+    if (field.subFields > 0)
         *html += " aria-expanded=\"true\"";
     *html += '>';
 }
 
 void MarkedTree::appendRow(size_t index, std::string* html) const
 {
-    const AdexpField& field = *m_fields[index].field;
-    *html += field.fieldTerm ? "<div class=\"row\">" : "<div class=\"row unknown\">";
-    if (hasSubFields(index))
+    const MessageField& field = m_fields[index];
+    *html += field.isKnown ? "<div class=\"row\">" : "<div class=\"row unknown\">";
+    if (field.subFields > 0)
         *html += "<span class=\"toggle\"></span>";
     appendItemNumber(index, html);
     *html += "<span class=\"name\">";
-    appendHtml(field.fieldName, html);
+    appendHtml(field.name, html);
     *html += "</span> ";
-    if (!field.fieldData.isEmpty()) {
+    if (!field.data.isEmpty()) {
         *html += "<span class=\"data\">";
-        appendHtml(field.fieldData, html);
+        appendHtml(field.data, html);
         *html += "</span> ";
     }
     appendFindingNumbers(index, html);
-    *html += field.fieldTerm
+    *html += field.isKnown
                  ? "<span class=\"state\" role=\"img\" aria-label=\"valid\">\u2713</span></div>"
                  : "<span class=\"state\">unknown</span></div>";
 }
 
 void MarkedTree::appendItemNumber(size_t index, std::string* html) const
 {
-    if (m_itemNumbers[index] != 0)
+    if (m_fields[index].item != 0)
         *html += "<span class=\"item\" title=\"item of the list\">" +
-                 std::to_string(m_itemNumbers[index]) + "</span> ";
+                 std::to_string(m_fields[index].item) + "</span> ";
 }
 
 void MarkedTree::appendFindingNumbers(size_t index, std::string* html) const
@@ -113,7 +92,7 @@ void MarkedTree::appendFindingNumbers(size_t index, std::string* html) const
     const std::vector<size_t>& findings = m_findingsOf[index];
     for (size_t i = 0; i < std::min(findings.size(), MaxNumbers); ++i) {
         const std::string number = std::to_string(findings[i] + 1);
-        const bool isWarning = m_findings[findings[i]].finding.severity == Severity::Warning;
+        const bool isWarning = m_findings[findings[i]].severity == Severity::Warning;
         *html += "<span class=\"number ";
         *html += isWarning ? "warning" : "error";
         html->append("\" title=\"finding ").append(number);

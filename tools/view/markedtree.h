@@ -1,8 +1,8 @@
 #ifndef MARKEDTREE_H
 #define MARKEDTREE_H
 
-#include "fieldstretches.h"
-#include "messagefindings.h"
+#include "messagefield.h"
+#include "messagefinding.h"
 
 #include <string>
 #include <vector>
@@ -14,22 +14,20 @@ class MarkedTree
 {
 public:
     /// Both must stay. @p fields is not empty.
-    MarkedTree(const FieldStretches& fields, const std::vector<MessageFindings::Counted>& findings);
+    MarkedTree(const MessageFields& fields, const MessageFindings& findings);
 
     /// The HTML.
     std::string html() const;
 
 private:
-    bool hasSubFields(size_t index) const;
     void openItem(size_t index, std::string* html) const;
     void appendRow(size_t index, std::string* html) const;
     void appendItemNumber(size_t index, std::string* html) const;
     void appendFindingNumbers(size_t index, std::string* html) const;
 
-    const FieldStretches& m_fields;
-    const std::vector<MessageFindings::Counted>& m_findings;
+    const MessageFields& m_fields;
+    const MessageFindings& m_findings;
     std::vector<std::vector<size_t>> m_findingsOf; // by field: indexes of the findings in it
-    std::vector<int> m_itemNumbers; // by field: of the list item that it opens; 0: it opens none
 };
 
 #endif

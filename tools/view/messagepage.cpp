@@ -1,6 +1,5 @@
 #include "messagepage.h"
 
-#include "adexpdoc.h"
 #include "html.h"
 #include "markedtext.h"
 #include "markedtree.h"
@@ -43,14 +42,9 @@ std::string chip(const char* kind, const std::string& text)
 
 } // namespace
 
-MessagePage::MessagePage(const AdexpDoc& doc, const MessageFindings& findings, PageFacts facts)
-    : m_doc(doc),
-      m_facts(std::move(facts)),
-      m_places(doc.msgParam.text),
-      m_findings(findings.inTextOrder())
+MessagePage::MessagePage(PageContent content)
+    : m_content(std::move(content)), m_places(m_content.text)
 {
-    if (m_facts.failure.empty())
-        m_fields = fieldStretches(doc.rootField, m_places);
 }
 
 std::string MessagePage::html() const
@@ -80,7 +74,7 @@ std::string MessagePage::valueOf(const std::string& placeholder) const
     if (placeholder == "HEADING")
         return heading();
     if (placeholder == "NAME")
-        return plainHtml(m_facts.name);
+        return plainHtml(m_content.name);
     if (placeholder == "COUNTS")
         return counts();
     if (placeholder == "FAILURE")
@@ -91,75 +85,72 @@ std::string MessagePage::valueOf(const std::string& placeholder) const
         return findingList();
     if (placeholder == "TREE")
         return tree();
-    return placeholder == "SETTINGS" ? plainHtml(m_facts.settings) : ADEXP_VERSION;
+    return placeholder == "SETTINGS" ? plainHtml(m_content.settings) : ADEXP_VERSION;
 }
 
 std::string MessagePage::heading() const
 {
-    const QString& title = m_doc.msgParam.title;
-    return title.isEmpty() ? "No title" : plainHtml(title);
+    return m_content.title.isEmpty() ? "No title" : plainHtml(m_content.title);
 }
 
 std::string MessagePage::counts() const
 {
     const auto countFindings = [this](Severity severity) {
-        return std::count_if(m_findings.cbegin(), m_findings.cend(), [severity](const auto& item) {
-            return item.finding.severity == severity;
-        });
+        return std::count_if(m_content.findings.cbegin(), m_content.findings.cend(),
+                             [severity](const auto& item) { return item.severity == severity; });
     };
     const auto errors = countFindings(Severity::Error);
     const auto warnings = countFindings(Severity::Warning);
-    const auto unknown =
-        std::count_if(m_fields.cbegin(), m_fields.cend(),
-                      [](const FieldStretch& stretch) { return !stretch.field->fieldTerm; });
+    const auto unknown = std::count_if(m_content.fields.cbegin(), m_content.fields.cend(),
+                                       [](const MessageField& field) { return !field.isKnown; });
 
     std::string html;
-    if (!m_fields.empty()) // the message itself does not count
-        html += chip("", counted(static_cast<qint64>(m_fields.size()) - 1, "field"));
+    if (!m_content.fields.empty()) // the message itself does not count
+        html += chip("", counted(static_cast<qint64>(m_content.fields.size()) - 1, "field"));
     if (unknown > 0)
         html += chip("unknown", std::to_string(unknown) + " unknown");
     if (errors > 0)
         html += chip("error", counted(errors, "error"));
     if (warnings > 0)
         html += chip("warning", counted(warnings, "warning"));
-    if (m_findings.empty() && m_facts.failure.empty())
+    if (m_content.findings.empty() && m_content.failure.empty())
         html += chip("fine", "nothing reported");
     return html;
 }
 
 std::string MessagePage::failure() const
 {
-    if (m_facts.failure.empty())
+    if (m_content.failure.empty())
         return {};
     return "<p class=\"failure\" role=\"alert\"><strong>No fields:</strong> " +
-           plainHtml(m_facts.failure) + "</p>";
+           plainHtml(m_content.failure) + "</p>";
 }
 
 std::string MessagePage::text() const
 {
-    return MarkedText(m_doc.msgParam.text, m_places, m_fields, m_findings).html();
+    return MarkedText(m_content.text, m_places, m_content.fields, m_content.findings).html();
 }
 
 std::string MessagePage::findingList() const
 {
-    if (m_findings.empty() && !m_facts.failure.empty())
+    if (m_content.findings.empty() && !m_content.failure.empty())
         return "<p class=\"none\">Nothing else was reported.</p>";
-    if (m_findings.empty())
+    if (m_content.findings.empty())
         return "<p class=\"none fine\">Nothing was reported.</p>";
     std::string html = "<ol id=\"list\">\n";
-    for (size_t i = 0; i < m_findings.size(); ++i)
+    for (size_t i = 0; i < m_content.findings.size(); ++i)
         appendFinding(i, &html);
     return html + "</ol>";
 }
 
 void MessagePage::appendFinding(size_t index, std::string* html) const
 {
-    const Finding& finding = m_findings[index].finding;
+    const MessageFinding& finding = m_content.findings[index];
     const std::string number = std::to_string(index + 1);
     const bool hasPlace = finding.begin >= 0;
     *html += "<li id=\"f" + number + "\" data-f=\"" + number + '"';
-    if (hasPlace && !m_fields.empty())
-        *html += " data-i=\"" + std::to_string(fieldAt(m_fields, finding.begin)) + '"';
+    if (hasPlace && !m_content.fields.empty())
+        *html += " data-i=\"" + std::to_string(fieldAt(m_content.fields, finding.begin)) + '"';
     *html += "><a href=\"#" + (hasPlace ? 'm' + number : std::string("text")) + "\" tabindex=\"" +
              (index == 0 ? "0" : "-1") + "\"><span class=\"number " +
              (finding.severity == Severity::Warning ? "warning" : "error") + "\">" + number +
@@ -170,28 +161,27 @@ void MessagePage::appendFinding(size_t index, std::string* html) const
         appendHtml(finding.detail, html);
         *html += "</span>";
     }
-    *html +=
-        "</span> <span class=\"where\">" + whereabouts(m_findings[index]) + "</span></a></li>\n";
+    *html += "</span> <span class=\"where\">" + whereabouts(finding) + "</span></a></li>\n";
 }
 
 // "error, line 3, column 12, reported 2 times"
-std::string MessagePage::whereabouts(const MessageFindings::Counted& counted) const
+std::string MessagePage::whereabouts(const MessageFinding& finding) const
 {
-    std::string text = counted.finding.severity == Severity::Warning ? "warning" : "error";
-    if (counted.finding.begin >= 0) {
-        const TextPlaces::Place place = m_places.placeOf(counted.finding.begin);
+    std::string text = finding.severity == Severity::Warning ? "warning" : "error";
+    if (finding.begin >= 0) {
+        const TextPlaces::Place place = m_places.placeOf(finding.begin);
         text += ", line " + std::to_string(place.line) + ", column " + std::to_string(place.column);
     }
-    if (counted.count > 1)
-        text += ", reported " + std::to_string(counted.count) + " times";
+    if (finding.count > 1)
+        text += ", reported " + std::to_string(finding.count) + " times";
     return text;
 }
 
 std::string MessagePage::tree() const
 {
-    if (m_fields.empty())
+    if (m_content.fields.empty())
         return {};
     return "<section class=\"fields\" aria-labelledby=\"fields-heading\">\n"
            "<h2 id=\"fields-heading\">Fields</h2>\n" +
-           MarkedTree(m_fields, m_findings).html() + "\n</section>";
+           MarkedTree(m_content.fields, m_content.findings).html() + "\n</section>";
 }

@@ -1,20 +1,22 @@
 #ifndef MESSAGEPAGE_H
 #define MESSAGEPAGE_H
 
-#include "fieldstretches.h"
-#include "messagefindings.h"
+#include "messagefield.h"
+#include "messagefinding.h"
+#include "textplaces.h"
 
 #include <string>
-#include <vector>
 
-class AdexpDoc;
-
-/// What a page says besides what the document of the message holds.
-struct PageFacts
+/// What a page says.
+struct PageContent
 {
-    std::string name;     ///< the file
-    std::string settings; ///< settings file of the rule set
-    std::string failure;  ///< why there are no fields, and what to do about it; empty if there are
+    std::string name;         ///< the file
+    std::string settings;     ///< settings file of the rule set
+    std::string failure;      ///< why there are no fields, and what to do about it; else empty
+    QString title;            ///< of the message; may be empty
+    QStringView text;         ///< of the message; must stay
+    MessageFields fields;     ///< with names and data that must stay; empty if there is a failure
+    MessageFindings findings; ///< in the message
 };
 
 /// A message as one HTML page: its text with fields and findings marked, its tree of fields, and
@@ -30,9 +32,7 @@ struct PageFacts
 class MessagePage
 {
 public:
-    /// The page of @p doc, which was parsed and must stay, with the @p findings of that. The fields
-    /// are left out if @p facts has a failure.
-    MessagePage(const AdexpDoc& doc, const MessageFindings& findings, PageFacts facts);
+    explicit MessagePage(PageContent content);
 
     /// The page as UTF-8.
     std::string html() const;
@@ -45,14 +45,11 @@ private:
     std::string text() const;
     std::string findingList() const;
     void appendFinding(size_t index, std::string* html) const;
-    std::string whereabouts(const MessageFindings::Counted& counted) const;
+    std::string whereabouts(const MessageFinding& finding) const;
     std::string tree() const;
 
-    const AdexpDoc& m_doc;
-    PageFacts m_facts;
+    PageContent m_content;
     TextPlaces m_places;
-    std::vector<MessageFindings::Counted> m_findings;
-    FieldStretches m_fields; // empty if they are left out
 };
 
 #endif
