@@ -1,5 +1,6 @@
 #include "messagepage.h"
 
+#include "findinglist.h"
 #include "html.h"
 #include "markedtext.h"
 #include "markedtree.h"
@@ -25,14 +26,19 @@ std::string hashOf(const QByteArray& text)
            QCryptographicHash::hash(text, QCryptographicHash::Sha256).toBase64().toStdString();
 }
 
+// Texts of the page's own may quote the message, which may be long.
+constexpr int MostText = 500;
+
 std::string plainHtml(const std::string& text)
 {
-    return plainHtml(QString::fromStdString(text));
+    return plainHtml(shortened(QString::fromStdString(text), MostText));
 }
 
-std::string counted(qint64 count, const std::string& thing)
+std::string inlineHtml(const std::string& text)
 {
-    return std::to_string(count) + ' ' + thing + (count == 1 ? "" : "s");
+    std::string html;
+    appendHtml(shortened(QString::fromStdString(text), MostText), &html);
+    return html;
 }
 
 std::string chip(const char* kind, const std::string& text)
@@ -43,7 +49,9 @@ std::string chip(const char* kind, const std::string& text)
 } // namespace
 
 MessagePage::MessagePage(PageContent content)
-    : m_content(std::move(content)), m_places(m_content.text)
+    : m_content(std::move(content)),
+      m_places(m_content.text),
+      m_excerpt(m_content.text, m_places, m_content.fields, m_content.findings)
 {
 }
 
@@ -71,26 +79,32 @@ std::string MessagePage::valueOf(const std::string& placeholder) const
         return resource("page.js").toStdString();
     if (placeholder == "SCRIPT_HASH")
         return hashOf(resource("page.js"));
+    if (placeholder == "TITLE")
+        return plainHtml(heading());
     if (placeholder == "HEADING")
-        return heading();
-    if (placeholder == "NAME")
+        return inlineHtml(heading());
+    if (placeholder == "PLAIN_NAME")
         return plainHtml(m_content.name);
+    if (placeholder == "NAME")
+        return inlineHtml(m_content.name);
     if (placeholder == "COUNTS")
         return counts();
     if (placeholder == "FAILURE")
         return failure();
+    if (placeholder == "LEFT_OUT")
+        return leftOut();
     if (placeholder == "TEXT")
-        return text();
+        return MarkedText(m_content.text, m_places, m_excerpt).html();
     if (placeholder == "FINDINGS")
-        return findingList();
-    if (placeholder == "TREE")
-        return tree();
-    return placeholder == "SETTINGS" ? plainHtml(m_content.settings) : ADEXP_VERSION;
+        return findings();
+    if (placeholder == "FIELDS")
+        return fields();
+    return placeholder == "SETTINGS" ? inlineHtml(m_content.settings) : ADEXP_VERSION;
 }
 
 std::string MessagePage::heading() const
 {
-    return m_content.title.isEmpty() ? "No title" : plainHtml(m_content.title);
+    return m_content.title.isEmpty() ? "No title" : m_content.title.toStdString();
 }
 
 std::string MessagePage::counts() const
@@ -108,7 +122,7 @@ std::string MessagePage::counts() const
     if (!m_content.fields.empty()) // the message itself does not count
         html += chip("", counted(static_cast<qint64>(m_content.fields.size()) - 1, "field"));
     if (unknown > 0)
-        html += chip("unknown", std::to_string(unknown) + " unknown");
+        html += chip("unknown", withCommas(unknown) + " unknown");
     if (errors > 0)
         html += chip("error", counted(errors, "error"));
     if (warnings > 0)
@@ -123,65 +137,49 @@ std::string MessagePage::failure() const
     if (m_content.failure.empty())
         return {};
     return "<p class=\"failure\" role=\"alert\"><strong>No fields:</strong> " +
-           plainHtml(m_content.failure) + "</p>";
+           inlineHtml(m_content.failure) + "</p>";
 }
 
-std::string MessagePage::text() const
+// What is shown of how much, and where the rest is to be seen.
+std::string MessagePage::leftOut() const
 {
-    return MarkedText(m_content.text, m_places, m_content.fields, m_content.findings).html();
+    std::string parts;
+    const auto addPart = [&parts](qint64 shown, qint64 all, const char* thing) {
+        if (shown == all)
+            return;
+        parts += parts.empty() ? "" : ", ";
+        parts += withCommas(shown) + " of " + counted(all, thing);
+    };
+    const auto sizeOf = [](const auto& items) { return static_cast<qint64>(items.size()); };
+    addPart(m_excerpt.shownUnits(), m_places.size(), "character");
+    addPart(sizeOf(m_excerpt.fields()) - 1, sizeOf(m_content.fields) - 1, "field");
+    addPart(sizeOf(m_excerpt.findings()), sizeOf(m_content.findings), "finding");
+    if (parts.empty())
+        return {};
+    return "<p class=\"left-out\"><strong>Too large for one page.</strong> Shown are " + parts +
+           ". The message itself has the whole text, <code>adexp tree</code> prints all fields, "
+           "<code>adexp convert</code> reports all findings.</p>";
 }
 
-std::string MessagePage::findingList() const
+std::string MessagePage::findings() const
 {
     if (m_content.findings.empty() && !m_content.failure.empty())
         return "<p class=\"none\">Nothing else was reported.</p>";
     if (m_content.findings.empty())
         return "<p class=\"none fine\">Nothing was reported.</p>";
-    std::string html = "<ol id=\"list\">\n";
-    for (size_t i = 0; i < m_content.findings.size(); ++i)
-        appendFinding(i, &html);
-    return html + "</ol>";
+    std::string html = findingList(m_excerpt.findings(), m_excerpt.fields(), m_places);
+    const size_t leftOut = m_content.findings.size() - m_excerpt.findings().size();
+    if (leftOut > 0)
+        html += "\n<p class=\"gap\">" + counted(static_cast<qint64>(leftOut), "finding") +
+                " left out</p>";
+    return html;
 }
 
-void MessagePage::appendFinding(size_t index, std::string* html) const
-{
-    const MessageFinding& finding = m_content.findings[index];
-    const std::string number = std::to_string(index + 1);
-    const bool hasPlace = finding.begin >= 0;
-    *html += "<li id=\"f" + number + "\" data-f=\"" + number + '"';
-    if (hasPlace && !m_content.fields.empty())
-        *html += " data-i=\"" + std::to_string(fieldAt(m_content.fields, finding.begin)) + '"';
-    *html += "><a href=\"#" + (hasPlace ? 'm' + number : std::string("text")) + "\" tabindex=\"" +
-             (index == 0 ? "0" : "-1") + "\"><span class=\"number " +
-             (finding.severity == Severity::Warning ? "warning" : "error") + "\">" + number +
-             "</span> <span class=\"what\">";
-    appendHtml(finding.text, html);
-    if (!finding.detail.isEmpty()) {
-        *html += " <span class=\"detail\">";
-        appendHtml(finding.detail, html);
-        *html += "</span>";
-    }
-    *html += "</span> <span class=\"where\">" + whereabouts(finding) + "</span></a></li>\n";
-}
-
-// "error, line 3, column 12, reported 2 times"
-std::string MessagePage::whereabouts(const MessageFinding& finding) const
-{
-    std::string text = finding.severity == Severity::Warning ? "warning" : "error";
-    if (finding.begin >= 0) {
-        const TextPlaces::Place place = m_places.placeOf(finding.begin);
-        text += ", line " + std::to_string(place.line) + ", column " + std::to_string(place.column);
-    }
-    if (finding.count > 1)
-        text += ", reported " + std::to_string(finding.count) + " times";
-    return text;
-}
-
-std::string MessagePage::tree() const
+std::string MessagePage::fields() const
 {
     if (m_content.fields.empty())
         return {};
     return "<section class=\"fields\" aria-labelledby=\"fields-heading\">\n"
            "<h2 id=\"fields-heading\">Fields</h2>\n" +
-           MarkedTree(m_content.fields, m_content.findings).html() + "\n</section>";
+           MarkedTree(m_excerpt).html() + "\n</section>";
 }

@@ -1,8 +1,7 @@
 #ifndef MESSAGEPAGE_H
 #define MESSAGEPAGE_H
 
-#include "messagefield.h"
-#include "messagefinding.h"
+#include "excerpt.h"
 #include "textplaces.h"
 
 #include <string>
@@ -24,7 +23,8 @@ struct PageContent
 ///
 /// The page stands alone. Style and script are in it, and its Content-Security-Policy allows these
 /// two, by their hashes, and nothing else: no other script, no image, no request. All text of the
-/// message is written as text, see html.h.
+/// message is written as text, see html.h. Of a large message the page shows an excerpt, and says
+/// so.
 ///
 /// The three parts refer to each other by numbers. Field N, counted from 0 in text order, is the
 /// element "tN" of the text and "nN" of the tree; finding N, counted from 1, begins at the element
@@ -34,6 +34,9 @@ class MessagePage
 public:
     explicit MessagePage(PageContent content);
 
+    MessagePage(const MessagePage&) = delete;
+    MessagePage& operator=(const MessagePage&) = delete;
+
     /// The page as UTF-8.
     std::string html() const;
 
@@ -42,14 +45,13 @@ private:
     std::string heading() const;
     std::string counts() const;
     std::string failure() const;
-    std::string text() const;
-    std::string findingList() const;
-    void appendFinding(size_t index, std::string* html) const;
-    std::string whereabouts(const MessageFinding& finding) const;
-    std::string tree() const;
+    std::string leftOut() const;
+    std::string findings() const;
+    std::string fields() const;
 
     PageContent m_content;
     TextPlaces m_places;
+    Excerpt m_excerpt; // refers to the members before it
 };
 
 #endif

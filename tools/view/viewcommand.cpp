@@ -66,6 +66,7 @@ ExitCode view(const ViewOptions& options, const std::string& message)
         content.fields = messageFields(doc.rootField, TextPlaces(doc.msgParam.text));
     else
         content.failure = whyNotConverted(message);
+    countFindings(content.findings, &content.fields);
     if (!writePage(options, MessagePage(content).html()))
         return ExitCode::NotDone;
     if (!content.failure.empty()) {
