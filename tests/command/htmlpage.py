@@ -121,6 +121,18 @@ class Page:
         """The text that is shown. A parser drops the line feed behind <pre>."""
         return self.pre.text().removeprefix("\n")
 
+    def message_parts(self):
+        """The parts of the text that are shown, and between them what is said of what is left out."""
+        for gap in self.pre.all(of="gap"):
+            gap.children = ["\0" + gap.text() + "\0"]
+        return self.message().split("\0")
+
+    def lines(self):
+        """The line numbers, each with the text behind it up to the next."""
+        for line in self.pre.all(of="line"):
+            line.children = ["\0" + line["data-n"] + ":"]
+        return self.message().split("\0")[1:]
+
     def items(self):
         return self.tree.all(role="treeitem") if self.tree else []
 

@@ -158,7 +158,7 @@ class Inert(ViewTest):
                     self.assertEqual(message, page.message())
 
     def test_characters_that_cannot_be_seen_are_shown(self):
-        cases = [("\x00", "\u2400"), ("\x1b", "\u241b"), ("\x7f", "\u2421"), ("\x85", "U+0085"),
+        cases = [("\x00", "NUL"), ("\x02", "STX"), ("\x1b", "ESC"), ("\x7f", "DEL"), ("\x85", "U+0085"),
                  ("\xa0", "U+00A0"), ("\xad", "U+00AD"), ("\u200b", "U+200B"), ("\u202e", "U+202E"),
                  ("\u2067", "U+2067"), ("\u2028", "U+2028"), ("\u3164", "U+3164"),
                  ("\ufe0f", "U+FE0F"), ("\ufeff", "U+FEFF"), ("\ufffe", "U+FFFE"),
@@ -212,11 +212,135 @@ class Inert(ViewTest):
                 if message.replace("\n", "").isprintable():
                     self.assertEqual(message, page.message())
 
-    def test_huge_message(self):
-        message = "-TITLE PLAN" + " -WHAT <1>" * 10000 + " -ARCID " + "A" * 1000000
+    def test_control_characters_are_named_in_all_parts(self):
+        page = self.page("-TITLE PLAN -ARCID A\x02+\x1b\n-X\x02 \x01\n")
+        self.assertEqual("X" + "STX", page.row(2)[1])
+        self.assertEqual("SOH", page.row(2)[2])
+        self.assertIn("ESC", page.finding(1)[1])
+        for element in (page.tree, page.findings[0]):
+            self.assertIn("STX", [symbol.text() for symbol in element.all(of="symbol")])
+
+    def test_control_characters_in_the_heading(self):
+        root = self.page("-TITLE A\x02B", 2).root
+        self.assertEqual("STX", root.one(kind="h1").one(of="symbol").text())
+        self.assertEqual("A\u2402B \u2013 <stdin>", root.one(kind="title").text())
+
+
+class Lines(ViewTest):
+
+    def test_each_line_has_its_number(self):
+        page = self.page("-TITLE PLAN\r\n\n -ARCID ABC\nstray\n-WHAT 1\n 2\n")
+        self.assertEqual(["1:-TITLE PLAN\n", "2:\n", "3: -ARCID ABC\n", "4:stray\n", "5:-WHAT 1\n", "6: 2\n"],
+                         page.lines())
+
+    def test_words_with_a_hyphen_in_front_stay_together(self):
+        page = self.page("-TITLE PLAN -ARCID A-B - -" + "X" * 30 + " -WHAT\n1")
+        self.assertEqual(["-TITLE", "-ARCID", "-WHAT"], [word.text() for word in page.pre.all(of="word")])
+
+
+class States(ViewTest):
+    """What the rows of the tree say of their fields."""
+
+    def states(self, message):
         page = self.page(message)
-        self.assertEqual(message, page.message())
-        self.assertEqual(10001, len(page.findings))
+        return [(page.row(i)[1], page.row(i)[3]) for i in range(len(page.items()))]
+
+    def test_field_with_a_finding_in_it_is_not_fine(self):
+        self.assertEqual([("PLAN", ""), ("ARCID", ""), ("POINT", ""), ("LEVEL", "")],
+                         self.states("-TITLE PLAN -ARCID ABC+ -POINT -LEVEL F370 1\n"))
+        self.assertEqual([("PLAN", ""), ("ARCID", "\u2713"), ("WHAT", "unknown")],
+                         self.states("-TITLE PLAN -ARCID ABC -WHAT 1\n"))
+
+    def test_findings_further_inside_are_counted(self):
+        page = self.page("-TITLE PLAN -ARCID ABC+ -POINT -LEVEL F370 1\n")
+        more = [[span.text() for span in item.children[0].all(of="more")] for item in page.items()]
+        self.assertEqual([["2 findings"], [], ["1 finding"], []], more)
+
+
+class LargeMessages(ViewTest):
+    """A page shows of a message what a browser carries, and tells what it leaves out."""
+
+    SIZE = 2**18  # tests/browser has larger ones
+
+    def filled(self, unit, begin="", end=""):
+        return begin + unit * ((self.SIZE - len(begin) - len(end)) // len(unit)) + end
+
+    def shapes(self):
+        head = "-TITLE PLAN -ARCID ABC "
+        return {"word": self.filled("A", head), "words": self.filled("word ", head),
+                "reported words": self.filled("word ", "", head), "lines": self.filled("\n", head),
+                "control": self.filled("\x02", head), "fields": self.filled("-ARCID A ", head),
+                "shortest fields": self.filled("-A ", head), "unknown": self.filled("-WHAT 1\n", head),
+                "wrong": self.filled("-ARCID A+\n", head), "lists": self.filled("-BEGIN A -X -END A\n", head),
+                "nested": self.filled("-BEGIN A\n", head), "hyphens": self.filled("- ", head),
+                "ends": self.filled("-END A ", head), "title": self.filled("A", "-TITLE "),
+                "keyword": self.filled("A", head + " -"), "markup": self.filled("<&>", head)}
+
+    def test_page_is_small(self):
+        for name, message in self.shapes().items():
+            with self.subTest(shape=name):
+                result = self.view("-", stdin=message)
+                page = Page(result.stdout)
+                self.assertLess(len(result.stdout.encode()), 2500000)
+                self.assertLess(len(page.root.all()), 60000)
+                self.assertLess(len(page.message()), 200000)
+                self.assertTrue(page.root.all(of="left-out"))
+                if "class=\"none" not in result.stdout:
+                    self.assertTrue(page.findings)
+
+    def test_message_of_usual_size_is_shown_whole(self):
+        for message, status in ((GOOD, 0), ("-TITLE PLAN\n" + "-ARCID ABC\n" * 3000, 0),
+                                ("-TITLE PLAN -ARCID ABC " + "-WHAT 1 " * 1000, 1)):
+            page = self.page(message, status)
+            self.assertEqual(message, page.message())
+            self.assertEqual([], page.root.all(of="left-out") + page.root.all(of="gap"))
+
+    def test_what_is_left_out_is_counted(self):
+        message = "-TITLE PLAN -ARCID ABC\n" + "-WHAT 1\n" * 100000
+        page = self.page(message)
+        self.assertEqual(1000, len(page.findings))
+        shown, gap, behind = page.message_parts()
+        self.assertEqual(("", True), (behind, message.startswith(shown)))
+        left = len(message) - len(shown)
+        line = shown.count("\n") + 1
+        self.assertTrue(gap.startswith(f"{left:,} characters left out, line {line:,}, column "), gap)
+        self.assertTrue(gap.endswith("to line 100,001, column 8"), gap)
+        fields = len(page.items()) - 1
+        told = page.root.one(of="left-out").text()
+        for text in (f"{len(shown):,} of {len(message):,} characters", f"{fields:,} of 100,001 fields",
+                     "1,000 of 100,000 findings", "adexp tree", "adexp convert"):
+            self.assertIn(text, told)
+        self.assertIn(f"{100001 - fields:,} fields left out", page.tree.text())
+        self.assertIn("99,000 findings left out", page.root.one(of="findings").text())
+        self.assertIn("100,000 findings", page.root.one(id="n0").text())
+        self.assertEqual("100,000 errors", [chip.text() for chip in page.root.all(of="chip")][-1])
+
+    def test_finding_far_away_is_shown_with_its_context(self):
+        lines = ["-TITLE PLAN"] + [f"-ARCID A{i}" for i in range(90000)]
+        lines[80000] += "+"
+        message = "\n".join(lines)
+        page = self.page(message)
+        head, gap, around, end_gap, _ = page.message_parts()
+        self.assertTrue(message.startswith(head))
+        self.assertGreater(len(head), 20000)
+        self.assertEqual("\n".join(lines[79997:80004]) + "\n", around)
+        self.assertIn("to line 79,997", gap)
+        self.assertIn("line 80,005, column 1, to line 90,001", end_gap)
+        (mark,) = page.pre.all(id="m1")
+        self.assertEqual("+", mark.text())
+        number = int(page.findings[0]["data-i"])
+        self.assertEqual(("ARCID", "A79999"), page.row(number)[1:3])
+        self.assertEqual("80004", page.pre.all(of="line")[-1]["data-n"])
+
+    def test_long_texts_are_shortened_outside_of_the_message(self):
+        page = self.page("-TITLE PLAN -ARCID ABC -WHAT " + "A" * 1000)
+        self.assertEqual("A" * 200 + "\u2026 (800 characters more)", page.row(2)[2])
+        heading = self.page("-TITLE " + "\U0001f6eb" * 1000, 2).root.one(kind="h1").text()
+        self.assertEqual("\U0001f6eb" * 250 + "\u2026 (1,500 characters more)", heading)
+
+    def test_page_is_the_same_each_time(self):
+        message = self.shapes()["unknown"]
+        self.assertEqual(self.view("-", stdin=message).stdout, self.view("-", stdin=message).stdout)
 
 
 class Blocks(ViewTest):
@@ -249,6 +373,15 @@ class Blocks(ViewTest):
         self.assertEqual("-BEGIN ADDR", page.marked(1))
         self.assertEqual(("1", "ADDR", "unknown"), page.row(2)[:2] + page.row(2)[3:])
         self.assertEqual([1], page.field_path(2))
+
+
+    def test_long_list_is_closed_and_counted(self):
+        for points, expanded, more in ((20, "true", []), (21, "false", ["21 fields"])):
+            page = self.page("-TITLE IFPL -ARCID ABC\n-BEGIN RTEPTS\n" + "-PT -PTID AAA\n" * points
+                             + "-END RTEPTS\n", 0)
+            item = page.root.one(id="n2")
+            self.assertEqual(expanded, item["aria-expanded"])
+            self.assertEqual(more, [span.text() for span in item.children[0].all(of="more")])
 
 
 class Output(ViewTest):

@@ -1,8 +1,8 @@
 #ifndef MARKEDTEXT_H
 #define MARKEDTEXT_H
 
-#include "fieldstretches.h"
-#include "messagefindings.h"
+#include "excerpt.h"
+#include "textplaces.h"
 
 #include <QStringView>
 
@@ -16,13 +16,14 @@
 /// which covers the whole text, only the keyword and the title are in its span. Keywords are <b>. A
 /// finding is a <mark data-f="N">, N being its number from 1. It may begin in one field and end in
 /// another, so it is put together from pieces inside of them; the first one has the id "mN".
+///
+/// Each line begins with an empty <i class="line" data-n="N">, N being its number. Where text is
+/// left out stands a <span class="gap"> that says how much.
 class MarkedText
 {
 public:
-    /// The text of @p places is @p text; both must stay, as must @p fields (empty if there are
-    /// none) and @p findings.
-    MarkedText(QStringView text, const TextPlaces& places, const FieldStretches& fields,
-               const std::vector<MessageFindings::Counted>& findings);
+    /// The text of @p places is @p text; all must stay, as must @p excerpt, what is shown of it.
+    MarkedText(QStringView text, const TextPlaces& places, const Excerpt& excerpt);
 
     /// The HTML. To be called once.
     std::string html();
@@ -35,21 +36,29 @@ private:
         std::vector<size_t> findings; // indexes
     };
 
-    void splitIntoRuns(const TextPlaces& places);
+    void splitIntoRuns();
     void openField(size_t index);
     void closeField();
     void writeKeyword(int begin, int end);
     void writeUntil(int position);
+    void skipUntil(int position);
+    void writeRun(int end);
+    void writeLines(int end);
+    void writeLineNumber();
+    void writeGap(int begin, int end);
     void openMark(size_t finding);
 
     QStringView m_text;
-    const FieldStretches& m_fields;
-    const std::vector<MessageFindings::Counted>& m_findings;
+    const TextPlaces& m_places;
+    const MessageFields& m_fields;
+    const MessageFindings& m_findings;
+    std::vector<Excerpt::Stretch> m_stretches; // the last one ends with the text
     std::vector<Run> m_runs;
     std::vector<bool> m_isBegun;            // for each finding: its first piece is written
     std::vector<size_t> m_open;             // indexes of the fields whose elements are open
     std::vector<Run>::const_iterator m_run; // the one that holds m_position
-    int m_position = 0;                     // the text before it is written
+    size_t m_stretch = 0;                   // index of the one that holds m_position, or the next
+    int m_position = 0;                     // the text before it is written or left out
     std::string m_html;
 };
 

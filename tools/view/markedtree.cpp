@@ -1,6 +1,5 @@
 #include "markedtree.h"
 
-#include "adexpfield.h"
 #include "html.h"
 
 #include <algorithm>
@@ -8,38 +7,32 @@
 namespace {
 
 // More would push the field itself out of its row; the list of findings has them all.
-constexpr size_t MaxNumbers = 3;
+constexpr size_t MostNumbers = 3;
 
-std::vector<std::vector<size_t>>
-findingsByField(const FieldStretches& fields, const std::vector<MessageFindings::Counted>& findings)
+// A list with more fields directly in it is closed at first.
+constexpr int LongList = 20;
+
+// The row shows one line; the text has the rest.
+constexpr int MostData = 200;
+
+std::vector<std::vector<size_t>> findingsByField(const Excerpt& excerpt)
 {
+    const MessageFields& fields = excerpt.fields();
+    const MessageFindings& findings = excerpt.findings();
     std::vector<std::vector<size_t>> result(fields.size());
     for (size_t i = 0; i < findings.size(); ++i)
-        if (findings[i].finding.begin >= 0)
-            result[static_cast<size_t>(fieldAt(fields, findings[i].finding.begin))].push_back(i);
-    return result;
-}
-
-std::vector<int> itemNumbers(const FieldStretches& fields)
-{
-    std::vector<int> lastNumber(fields.size()); // by list: of the item last opened
-    std::vector<int> result(fields.size());
-    for (size_t i = 1; i < fields.size(); ++i) {
-        int& last = lastNumber[static_cast<size_t>(fields[i].parent)];
-        if (fields[i].field->itemIndex != last)
-            result[i] = last = fields[i].field->itemIndex;
-    }
+        if (findings[i].begin >= 0)
+            result[static_cast<size_t>(fieldAt(fields, findings[i].begin))].push_back(i);
     return result;
 }
 
 } // namespace
 
-MarkedTree::MarkedTree(const FieldStretches& fields,
-                       const std::vector<MessageFindings::Counted>& findings)
-    : m_fields(fields),
-      m_findings(findings),
-      m_findingsOf(findingsByField(fields, findings)),
-      m_itemNumbers(itemNumbers(fields))
+MarkedTree::MarkedTree(const Excerpt& excerpt)
+    : m_excerpt(excerpt),
+      m_fields(excerpt.fields()),
+      m_findings(excerpt.findings()),
+      m_findingsOf(findingsByField(excerpt))
 {
 }
 
@@ -53,74 +46,107 @@ std::string MarkedTree::html() const
         for (; depth > m_fields[i].depth; --depth)
             html += "</ul></li>\n";
         depth = m_fields[i].depth;
+        appendGap(m_excerpt.leftOutBefore()[i], &html);
         openItem(i, &html);
         appendRow(i, &html);
-        if (hasSubFields(i))
+        if (isBranch(i))
             html += "<ul role=\"group\">\n";
     }
     html += "</li>\n";
     for (; depth > 0; --depth)
         html += "</ul></li>\n";
+    appendGap(m_excerpt.leftOutAtEnd(), &html);
     return html + "</ul>";
 }
 
-bool MarkedTree::hasSubFields(size_t index) const
+bool MarkedTree::isBranch(size_t index) const
 {
-    return !m_fields[index].field->subFields.empty();
+    return index + 1 < m_fields.size() && m_fields[index + 1].depth > m_fields[index].depth;
+}
+
+bool MarkedTree::isLong(size_t index) const
+{
+    return m_fields[index].subFields > LongList && m_fields[index].parent != -1;
+}
+
+void MarkedTree::appendGap(int leftOut, std::string* html) const
+{
+    if (leftOut > 0)
+        *html +=
+            "<li class=\"gap\" role=\"none\">" + counted(leftOut, "field") + " left out</li>\n";
 }
 
 void MarkedTree::openItem(size_t index, std::string* html) const
 {
+    const MessageField& field = m_fields[index];
     const std::string number = std::to_string(index);
     *html += "<li role=\"treeitem\" id=\"n" + number + "\" data-i=\"" + number +
-             "\" aria-level=\"" + std::to_string(m_fields[index].depth + 1) +
+             "\" aria-level=\"" + std::to_string(field.depth + 1) +
              "\" aria-selected=\"false\" tabindex=\"" + (index == 0 ? "0\"" : "-1\"");
-    if (hasSubFields(index))
-        *html += " aria-expanded=\"true\"";
+    if (isBranch(index))
+        *html += isLong(index) ? " aria-expanded=\"false\"" : " aria-expanded=\"true\"";
+    if (isLong(index))
+        *html += field.findings > 0 ? " class=\"long found\"" : " class=\"long\"";
+    else if (field.findings > 0)
+        *html += " class=\"found\"";
     *html += '>';
 }
 
 void MarkedTree::appendRow(size_t index, std::string* html) const
 {
-    const AdexpField& field = *m_fields[index].field;
-    *html += field.fieldTerm ? "<div class=\"row\">" : "<div class=\"row unknown\">";
-    if (hasSubFields(index))
+    const MessageField& field = m_fields[index];
+    *html += field.isKnown ? "<div class=\"row\">" : "<div class=\"row unknown\">";
+    if (isBranch(index))
         *html += "<span class=\"toggle\"></span>";
     appendItemNumber(index, html);
     *html += "<span class=\"name\">";
-    appendHtml(field.fieldName, html);
+    appendHtml(shortened(field.name, MostData), html);
     *html += "</span> ";
-    if (!field.fieldData.isEmpty()) {
+    if (!field.data.isEmpty()) {
         *html += "<span class=\"data\">";
-        appendHtml(field.fieldData, html);
+        appendHtml(shortened(field.data, MostData), html);
         *html += "</span> ";
     }
+    if (isLong(index))
+        *html += "<span class=\"more\">" + counted(field.subFields, "field") + "</span> ";
     appendFindingNumbers(index, html);
-    *html += field.fieldTerm
-                 ? "<span class=\"state\" role=\"img\" aria-label=\"valid\">\u2713</span></div>"
-                 : "<span class=\"state\">unknown</span></div>";
+    appendState(index, html);
+    *html += "</div>";
 }
 
 void MarkedTree::appendItemNumber(size_t index, std::string* html) const
 {
-    if (m_itemNumbers[index] != 0)
+    if (m_fields[index].item != 0)
         *html += "<span class=\"item\" title=\"item of the list\">" +
-                 std::to_string(m_itemNumbers[index]) + "</span> ";
+                 std::to_string(m_fields[index].item) + "</span> ";
 }
 
+// The numbers of its own findings, and how many there are besides, most in the fields in it.
 void MarkedTree::appendFindingNumbers(size_t index, std::string* html) const
 {
     const std::vector<size_t>& findings = m_findingsOf[index];
-    for (size_t i = 0; i < std::min(findings.size(), MaxNumbers); ++i) {
+    const size_t numbers = std::min(findings.size(), MostNumbers);
+    for (size_t i = 0; i < numbers; ++i) {
         const std::string number = std::to_string(findings[i] + 1);
-        const bool isWarning = m_findings[findings[i]].finding.severity == Severity::Warning;
+        const bool isWarning = m_findings[findings[i]].severity == Severity::Warning;
         *html += "<span class=\"number ";
         *html += isWarning ? "warning" : "error";
         html->append("\" title=\"finding ").append(number);
         html->append("\" data-f=\"").append(number);
         html->append("\">").append(number).append("</span> ");
     }
-    if (findings.size() > MaxNumbers)
-        *html +=
-            "<span class=\"more\">+" + std::to_string(findings.size() - MaxNumbers) + "</span> ";
+    const int others = m_fields[index].findings - static_cast<int>(numbers);
+    if (others > 0)
+        *html += std::string("<span class=\"more\">") + (numbers > 0 ? "+" : "") +
+                 counted(others, "finding") + "</span> ";
+}
+
+// A field is fine if nothing is reported in it and it is known, which holds for those in it, too.
+void MarkedTree::appendState(size_t index, std::string* html) const
+{
+    const MessageField& field = m_fields[index];
+    if (!field.isKnown)
+        *html += "<span class=\"state\">unknown</span>";
+    else if (field.findings == 0)
+        *html += "<span class=\"state\" role=\"img\" aria-label=\"valid\">\u2713</span>";
 }

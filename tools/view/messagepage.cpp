@@ -1,6 +1,6 @@
 #include "messagepage.h"
 
-#include "adexpdoc.h"
+#include "findinglist.h"
 #include "html.h"
 #include "markedtext.h"
 #include "markedtree.h"
@@ -26,14 +26,19 @@ std::string hashOf(const QByteArray& text)
            QCryptographicHash::hash(text, QCryptographicHash::Sha256).toBase64().toStdString();
 }
 
+// Texts of the page's own may quote the message, which may be long.
+constexpr int MostText = 500;
+
 std::string plainHtml(const std::string& text)
 {
-    return plainHtml(QString::fromStdString(text));
+    return plainHtml(shortened(QString::fromStdString(text), MostText));
 }
 
-std::string counted(qint64 count, const std::string& thing)
+std::string inlineHtml(const std::string& text)
 {
-    return std::to_string(count) + ' ' + thing + (count == 1 ? "" : "s");
+    std::string html;
+    appendHtml(shortened(QString::fromStdString(text), MostText), &html);
+    return html;
 }
 
 std::string chip(const char* kind, const std::string& text)
@@ -43,14 +48,11 @@ std::string chip(const char* kind, const std::string& text)
 
 } // namespace
 
-MessagePage::MessagePage(const AdexpDoc& doc, const MessageFindings& findings, PageFacts facts)
-    : m_doc(doc),
-      m_facts(std::move(facts)),
-      m_places(doc.msgParam.text),
-      m_findings(findings.inTextOrder())
+MessagePage::MessagePage(PageContent content)
+    : m_content(std::move(content)),
+      m_places(m_content.text),
+      m_excerpt(m_content.text, m_places, m_content.fields, m_content.findings)
 {
-    if (m_facts.failure.empty())
-        m_fields = fieldStretches(doc.rootField, m_places);
 }
 
 std::string MessagePage::html() const
@@ -77,121 +79,107 @@ std::string MessagePage::valueOf(const std::string& placeholder) const
         return resource("page.js").toStdString();
     if (placeholder == "SCRIPT_HASH")
         return hashOf(resource("page.js"));
+    if (placeholder == "TITLE")
+        return plainHtml(heading());
     if (placeholder == "HEADING")
-        return heading();
+        return inlineHtml(heading());
+    if (placeholder == "PLAIN_NAME")
+        return plainHtml(m_content.name);
     if (placeholder == "NAME")
-        return plainHtml(m_facts.name);
+        return inlineHtml(m_content.name);
     if (placeholder == "COUNTS")
         return counts();
     if (placeholder == "FAILURE")
         return failure();
+    if (placeholder == "LEFT_OUT")
+        return leftOut();
     if (placeholder == "TEXT")
-        return text();
+        return MarkedText(m_content.text, m_places, m_excerpt).html();
     if (placeholder == "FINDINGS")
-        return findingList();
-    if (placeholder == "TREE")
-        return tree();
-    return placeholder == "SETTINGS" ? plainHtml(m_facts.settings) : ADEXP_VERSION;
+        return findings();
+    if (placeholder == "FIELDS")
+        return fields();
+    return placeholder == "SETTINGS" ? inlineHtml(m_content.settings) : ADEXP_VERSION;
 }
 
 std::string MessagePage::heading() const
 {
-    const QString& title = m_doc.msgParam.title;
-    return title.isEmpty() ? "No title" : plainHtml(title);
+    return m_content.title.isEmpty() ? "No title" : m_content.title.toStdString();
 }
 
 std::string MessagePage::counts() const
 {
     const auto countFindings = [this](Severity severity) {
-        return std::count_if(m_findings.cbegin(), m_findings.cend(), [severity](const auto& item) {
-            return item.finding.severity == severity;
-        });
+        return std::count_if(m_content.findings.cbegin(), m_content.findings.cend(),
+                             [severity](const auto& item) { return item.severity == severity; });
     };
     const auto errors = countFindings(Severity::Error);
     const auto warnings = countFindings(Severity::Warning);
-    const auto unknown =
-        std::count_if(m_fields.cbegin(), m_fields.cend(),
-                      [](const FieldStretch& stretch) { return !stretch.field->fieldTerm; });
+    const auto unknown = std::count_if(m_content.fields.cbegin(), m_content.fields.cend(),
+                                       [](const MessageField& field) { return !field.isKnown; });
 
     std::string html;
-    if (!m_fields.empty()) // the message itself does not count
-        html += chip("", counted(static_cast<qint64>(m_fields.size()) - 1, "field"));
+    if (!m_content.fields.empty()) // the message itself does not count
+        html += chip("", counted(static_cast<qint64>(m_content.fields.size()) - 1, "field"));
     if (unknown > 0)
-        html += chip("unknown", std::to_string(unknown) + " unknown");
+        html += chip("unknown", withCommas(unknown) + " unknown");
     if (errors > 0)
         html += chip("error", counted(errors, "error"));
     if (warnings > 0)
         html += chip("warning", counted(warnings, "warning"));
-    if (m_findings.empty() && m_facts.failure.empty())
+    if (m_content.findings.empty() && m_content.failure.empty())
         html += chip("fine", "nothing reported");
     return html;
 }
 
 std::string MessagePage::failure() const
 {
-    if (m_facts.failure.empty())
+    if (m_content.failure.empty())
         return {};
     return "<p class=\"failure\" role=\"alert\"><strong>No fields:</strong> " +
-           plainHtml(m_facts.failure) + "</p>";
+           inlineHtml(m_content.failure) + "</p>";
 }
 
-std::string MessagePage::text() const
+// What is shown of how much, and where the rest is to be seen.
+std::string MessagePage::leftOut() const
 {
-    return MarkedText(m_doc.msgParam.text, m_places, m_fields, m_findings).html();
+    std::string parts;
+    const auto addPart = [&parts](qint64 shown, qint64 all, const char* thing) {
+        if (shown == all)
+            return;
+        parts += parts.empty() ? "" : ", ";
+        parts += withCommas(shown) + " of " + counted(all, thing);
+    };
+    const auto sizeOf = [](const auto& items) { return static_cast<qint64>(items.size()); };
+    addPart(m_excerpt.shownUnits(), m_places.size(), "character");
+    addPart(sizeOf(m_excerpt.fields()) - 1, sizeOf(m_content.fields) - 1, "field");
+    addPart(sizeOf(m_excerpt.findings()), sizeOf(m_content.findings), "finding");
+    if (parts.empty())
+        return {};
+    return "<p class=\"left-out\"><strong>Too large for one page.</strong> Shown are " + parts +
+           ". The message itself has the whole text, <code>adexp tree</code> prints all fields, "
+           "<code>adexp convert</code> reports all findings.</p>";
 }
 
-std::string MessagePage::findingList() const
+std::string MessagePage::findings() const
 {
-    if (m_findings.empty() && !m_facts.failure.empty())
+    if (m_content.findings.empty() && !m_content.failure.empty())
         return "<p class=\"none\">Nothing else was reported.</p>";
-    if (m_findings.empty())
+    if (m_content.findings.empty())
         return "<p class=\"none fine\">Nothing was reported.</p>";
-    std::string html = "<ol id=\"list\">\n";
-    for (size_t i = 0; i < m_findings.size(); ++i)
-        appendFinding(i, &html);
-    return html + "</ol>";
+    std::string html = findingList(m_excerpt.findings(), m_excerpt.fields(), m_places);
+    const size_t leftOut = m_content.findings.size() - m_excerpt.findings().size();
+    if (leftOut > 0)
+        html += "\n<p class=\"gap\">" + counted(static_cast<qint64>(leftOut), "finding") +
+                " left out</p>";
+    return html;
 }
 
-void MessagePage::appendFinding(size_t index, std::string* html) const
+std::string MessagePage::fields() const
 {
-    const Finding& finding = m_findings[index].finding;
-    const std::string number = std::to_string(index + 1);
-    const bool hasPlace = finding.begin >= 0;
-    *html += "<li id=\"f" + number + "\" data-f=\"" + number + '"';
-    if (hasPlace && !m_fields.empty())
-        *html += " data-i=\"" + std::to_string(fieldAt(m_fields, finding.begin)) + '"';
-    *html += "><a href=\"#" + (hasPlace ? 'm' + number : std::string("text")) + "\" tabindex=\"" +
-             (index == 0 ? "0" : "-1") + "\"><span class=\"number " +
-             (finding.severity == Severity::Warning ? "warning" : "error") + "\">" + number +
-             "</span> <span class=\"what\">";
-    appendHtml(finding.text, html);
-    if (!finding.detail.isEmpty()) {
-        *html += " <span class=\"detail\">";
-        appendHtml(finding.detail, html);
-        *html += "</span>";
-    }
-    *html +=
-        "</span> <span class=\"where\">" + whereabouts(m_findings[index]) + "</span></a></li>\n";
-}
-
-// "error, line 3, column 12, reported 2 times"
-std::string MessagePage::whereabouts(const MessageFindings::Counted& counted) const
-{
-    std::string text = counted.finding.severity == Severity::Warning ? "warning" : "error";
-    if (counted.finding.begin >= 0) {
-        const TextPlaces::Place place = m_places.placeOf(counted.finding.begin);
-        text += ", line " + std::to_string(place.line) + ", column " + std::to_string(place.column);
-    }
-    if (counted.count > 1)
-        text += ", reported " + std::to_string(counted.count) + " times";
-    return text;
-}
-
-std::string MessagePage::tree() const
-{
-    if (m_fields.empty())
+    if (m_content.fields.empty())
         return {};
     return "<section class=\"fields\" aria-labelledby=\"fields-heading\">\n"
            "<h2 id=\"fields-heading\">Fields</h2>\n" +
-           MarkedTree(m_fields, m_findings).html() + "\n</section>";
+           MarkedTree(m_excerpt).html() + "\n</section>";
 }

@@ -1,20 +1,21 @@
 #ifndef MESSAGEPAGE_H
 #define MESSAGEPAGE_H
 
-#include "fieldstretches.h"
-#include "messagefindings.h"
+#include "excerpt.h"
+#include "textplaces.h"
 
 #include <string>
-#include <vector>
 
-class AdexpDoc;
-
-/// What a page says besides what the document of the message holds.
-struct PageFacts
+/// What a page says.
+struct PageContent
 {
-    std::string name;     ///< the file
-    std::string settings; ///< settings file of the rule set
-    std::string failure;  ///< why there are no fields, and what to do about it; empty if there are
+    std::string name;         ///< the file
+    std::string settings;     ///< settings file of the rule set
+    std::string failure;      ///< why there are no fields, and what to do about it; else empty
+    QString title;            ///< of the message; may be empty
+    QStringView text;         ///< of the message; must stay
+    MessageFields fields;     ///< with names and data that must stay; empty if there is a failure
+    MessageFindings findings; ///< in the message
 };
 
 /// A message as one HTML page: its text with fields and findings marked, its tree of fields, and
@@ -22,7 +23,8 @@ struct PageFacts
 ///
 /// The page stands alone. Style and script are in it, and its Content-Security-Policy allows these
 /// two, by their hashes, and nothing else: no other script, no image, no request. All text of the
-/// message is written as text, see html.h.
+/// message is written as text, see html.h. Of a large message the page shows an excerpt, and says
+/// so.
 ///
 /// The three parts refer to each other by numbers. Field N, counted from 0 in text order, is the
 /// element "tN" of the text and "nN" of the tree; finding N, counted from 1, begins at the element
@@ -30,9 +32,10 @@ struct PageFacts
 class MessagePage
 {
 public:
-    /// The page of @p doc, which was parsed and must stay, with the @p findings of that. The fields
-    /// are left out if @p facts has a failure.
-    MessagePage(const AdexpDoc& doc, const MessageFindings& findings, PageFacts facts);
+    explicit MessagePage(PageContent content);
+
+    MessagePage(const MessagePage&) = delete;
+    MessagePage& operator=(const MessagePage&) = delete;
 
     /// The page as UTF-8.
     std::string html() const;
@@ -42,17 +45,13 @@ private:
     std::string heading() const;
     std::string counts() const;
     std::string failure() const;
-    std::string text() const;
-    std::string findingList() const;
-    void appendFinding(size_t index, std::string* html) const;
-    std::string whereabouts(const MessageFindings::Counted& counted) const;
-    std::string tree() const;
+    std::string leftOut() const;
+    std::string findings() const;
+    std::string fields() const;
 
-    const AdexpDoc& m_doc;
-    PageFacts m_facts;
+    PageContent m_content;
     TextPlaces m_places;
-    std::vector<MessageFindings::Counted> m_findings;
-    FieldStretches m_fields; // empty if they are left out
+    Excerpt m_excerpt; // refers to the members before it
 };
 
 #endif

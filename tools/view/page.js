@@ -64,12 +64,14 @@
   const rowOf = (item) => item.firstElementChild;
   const partOf = (element) => parts.find((part) => part.contains(element));
 
-  // Brings the element into sight if its part scrolls on its own; the page stays where it is.
+  // Brings the element into sight, with what stands above and below it, if its part scrolls on its
+  // own; the page stays where it is.
   function reveal(part, element) {
     if (!element || part.scrollHeight <= part.clientHeight) return;
     const sight = part.getBoundingClientRect();
+    const context = Math.min(part.clientHeight / 4, 80);
     const line = element.getClientRects()[0]; // none: it is in a closed branch
-    if (line && (line.top < sight.top || line.bottom > sight.bottom))
+    if (line && (line.top < sight.top + context || line.bottom > sight.bottom - context))
       part.scrollTop += line.top - sight.top - part.clientHeight / 3;
   }
 
@@ -80,22 +82,28 @@
     if (origin !== list && subject.finding) reveal(list, linkOf(subject));
   }
 
-  // "IFPL › RTEPTS › 3. PT › FL: F3600 — FL field contains the extra data ..."
+  // "IFPL › RTEPTS › 3. PT › FL: F3600 — FL field contains the extra data ...", as nodes and strings.
   function describe(subject) {
-    const textIn = (element, selector) => element?.querySelector(selector)?.textContent;
+    const copyOf = (selector, element) => {
+      const found = element?.querySelector(selector);
+      return found ? [...found.cloneNode(true).childNodes] : [];
+    };
+    const behind = (separator, nodes) => (nodes.length ? [separator, ...nodes] : []);
     const item = itemOf(subject);
     const names = [];
     for (let outer = item; outer; outer = outerItem(outer)) {
-      const number = textIn(rowOf(outer), ".item");
-      names.unshift((number ? number + ". " : "") + textIn(rowOf(outer), ".name"));
+      const number = copyOf(".item", rowOf(outer));
+      if (number.length) number.push(". ");
+      names.unshift(" › ", ...number, ...copyOf(".name", rowOf(outer)));
     }
-    const field = [names.join(" › "), item && textIn(rowOf(item), ".data")];
-    const finding = textIn(linkOf(subject), ".what");
-    return [field.filter(Boolean).join(": "), finding].filter(Boolean).join(" — ");
+    const data = item ? copyOf(".data", rowOf(item)) : [];
+    const finding = copyOf(".what", linkOf(subject));
+    return [...names, ...behind(": ", data), ...behind(" — ", finding)].slice(1);
   }
 
   function showPath() {
-    path.textContent = describe(isNothing(pointed) ? chosen : pointed) || hint;
+    const description = describe(isNothing(pointed) ? chosen : pointed);
+    path.replaceChildren(...(description.length ? description : [hint]));
   }
 
   // Pointing and choosing
@@ -138,8 +146,13 @@
     selected = item;
   }
 
-  // In one column the text may be far away.
-  const goToText = () => markOf(chosen)?.scrollIntoView({ block: "center" });
+  // In one column the text may be far away. What is too long to be seen at once is seen from its begin.
+  function goToText() {
+    const mark = markOf(chosen);
+    const sight = Math.min(text.clientHeight, window.innerHeight);
+    const isLong = mark?.getBoundingClientRect().height > sight / 2;
+    mark?.scrollIntoView({ block: isLong ? "start" : "center" });
+  }
 
   // Moves only: what a key scrolls under the resting mouse is not pointed at.
   document.addEventListener("pointermove", (event) => {
@@ -171,25 +184,35 @@
   const setOpen = (item, open) => item.setAttribute("aria-expanded", String(open));
   const outerItem = (item) => item.parentElement.closest("[role=treeitem]");
   const firstInside = (item) => item.querySelector("[role=treeitem]");
+  const lastInside = (item) => itemFrom(item.lastElementChild.lastElementChild, -1);
+  const nextItem = (item) => itemFrom(item.nextElementSibling, 1);
+  const previousItem = (item) => itemFrom(item.previousElementSibling, -1);
   const isBranch = (item) => item.hasAttribute("aria-expanded");
+
+  // Between items may stand how many are left out.
+  function itemFrom(element, step) {
+    while (element?.matches(".gap"))
+      element = step > 0 ? element.nextElementSibling : element.previousElementSibling;
+    return element;
+  }
 
   function openBranchesAround(item) {
     for (let outer = item && outerItem(item); outer; outer = outerItem(outer)) setOpen(outer, true);
   }
 
   function lastInSight(item) {
-    while (isBranch(item) && isOpen(item)) item = item.lastElementChild.lastElementChild;
+    while (isBranch(item) && isOpen(item)) item = lastInside(item);
     return item;
   }
 
   function below(item) {
     if (isBranch(item) && isOpen(item)) return firstInside(item);
-    while (item && !item.nextElementSibling) item = outerItem(item);
-    return item?.nextElementSibling;
+    while (item && !nextItem(item)) item = outerItem(item);
+    return item && nextItem(item);
   }
 
   function above(item) {
-    const before = item.previousElementSibling;
+    const before = previousItem(item);
     return before ? lastInSight(before) : outerItem(item);
   }
 
@@ -213,7 +236,7 @@
     ArrowRight: openOrEnter,
     ArrowLeft: closeOrLeave,
     Home: () => tree.firstElementChild,
-    End: () => lastInSight(tree.lastElementChild),
+    End: () => lastInSight(tree.firstElementChild),
     Enter: goToText,
   };
 
@@ -225,6 +248,7 @@
     if (!item) return;
     item.focus({ preventScroll: true });
     rowOf(item).scrollIntoView({ block: "nearest" });
+    reveal(tree, rowOf(item));
   });
 
   // From finding to finding, around the ends
@@ -242,6 +266,11 @@
 
   const findingKeys = { n: 1, p: -1 };
   const listKeys = { ArrowDown: 1, ArrowUp: -1 };
+
+  // The page opens at the first finding, and what was chosen stays in sight when lines break anew.
+
+  if (list) choose(subjectOf(list.firstElementChild), null);
+  window.addEventListener("resize", () => revealOutside(null, chosen));
 
   document.addEventListener("keydown", (event) => {
     const step = findingKeys[event.key] || (list?.contains(event.target) && listKeys[event.key]);

@@ -6,9 +6,10 @@
 #include "console.h"
 #include "conversion.h"
 #include "diagnosticcollector.h"
+#include "findingcollector.h"
 #include "inputfile.h"
 #include "mainclass.h"
-#include "messagefindings.h"
+#include "messagefields.h"
 #include "messagepage.h"
 #include "outputfile.h"
 #include "readfiles.h"
@@ -54,18 +55,22 @@ ExitCode view(const ViewOptions& options, const std::string& message)
 {
     const std::string name = displayName(options.file);
     const DiagnosticCollector diagnostics{std::string_view(name)};
-    MessageFindings findings;
+    FindingCollector findings;
     AdexpDoc doc(QString::fromUtf8(message.data(), static_cast<int>(message.size())));
     doc.setRootField(&mc->msgRules);
     doc.parse();
 
-    PageFacts facts{name, options.settings, {}};
-    if (!doc.rootField || !doc.rootField->fieldTerm)
-        facts.failure = whyNotConverted(message);
-    if (!writePage(options, MessagePage(doc, findings, facts).html()))
+    PageContent content{name, options.settings, {}, doc.msgParam.title, doc.msgParam.text, {}, {}};
+    content.findings = findings.inTextOrder();
+    if (doc.rootField && doc.rootField->fieldTerm)
+        content.fields = messageFields(doc.rootField, TextPlaces(doc.msgParam.text));
+    else
+        content.failure = whyNotConverted(message);
+    countFindings(content.findings, &content.fields);
+    if (!writePage(options, MessagePage(content).html()))
         return ExitCode::NotDone;
-    if (!facts.failure.empty()) {
-        printError(name, "no fields: " + facts.failure);
+    if (!content.failure.empty()) {
+        printError(name, "no fields: " + content.failure);
         return ExitCode::NotDone;
     }
     return diagnostics.count() == 0 ? ExitCode::Success : ExitCode::WithDiagnostics;

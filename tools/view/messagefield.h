@@ -1,0 +1,40 @@
+#ifndef MESSAGEFIELD_H
+#define MESSAGEFIELD_H
+
+#include "messagefinding.h"
+
+#include <QStringView>
+
+#include <vector>
+
+/// A field as the page of a message shows it, with the stretch of the text that it covers.
+///
+/// Positions count UTF-16 units of the text from 0. The stretch of a field lies inside that of its
+/// parent and behind those of the siblings before it, and holds whole characters.
+struct MessageField
+{
+    QStringView name; ///< keyword without hyphen; name of a block; title
+    QStringView data; ///< its own data; may be empty
+    bool isKnown;     ///< it matched a definition
+    int item;         ///< number of the list item that it opens; 0: it opens none
+    int parent;       ///< index of the parent; -1 for the root
+    int depth;        ///< 0 for the root
+    int begin;        ///< of the keyword
+    int keywordEnd;   ///< behind the keyword, or behind the name of a block
+    int endKeyword;   ///< of the "-END" of a block; else the end
+    int end;          ///< behind the field
+    int subFields;    ///< how many fields are directly in it
+    int findings = 0; ///< how many findings begin in it, those in its sub-fields included
+};
+
+/// All fields of a message, each before those in it. The first is the root; empty: no fields.
+using MessageFields = std::vector<MessageField>;
+
+/// Index of the innermost of @p fields (not empty) whose stretch holds @p position; the root, which
+/// is 0, if none does.
+int fieldAt(const MessageFields& fields, int position);
+
+/// Sets the number of findings of each field.
+void countFindings(const MessageFindings& findings, MessageFields* fields);
+
+#endif
