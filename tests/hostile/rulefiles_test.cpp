@@ -178,8 +178,8 @@ TEST_P(HostileRuleFileShapes, AreReadInStepsInProportionToTheirSize)
 {
     const FileShape& shape = GetParam();
     const RuleFolder folder;
-    // So many that both files have more than a document type may have: what is too large takes other
-    // steps than what is not.
+    // So many that both files have more than a document type may have: what is too large takes
+    // other steps than what is not.
     constexpr int Count = 3000;
     expectLinear(
         [&](int count) {

@@ -5,8 +5,8 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
-/// While it lives, the permissions of files hold for this thread as for any user, also for root: root
-/// reads and writes all files by two capabilities, which are taken away and given back.
+/// While it lives, the permissions of files hold for this thread as for any user, also for root:
+/// root reads and writes all files by two capabilities, which are taken away and given back.
 class OrdinaryPermissions
 {
 public:
