@@ -3,12 +3,11 @@
 #include "support/converter.h"
 #include "support/messages.h"
 
-#include "api/adexplib.h"
-#include "grammar/termstd.h"
-#include "load/mainclass.h"
-#include "message/adexpdoc.h"
-#include "message/adexpfield.h"
-#include "report/linereporter.h"
+#include "adexpdoc.h"
+#include "adexpfield.h"
+#include "adexplib.h"
+#include "mainclass.h"
+#include "termstd.h"
 
 #include <benchmark/benchmark.h>
 
@@ -16,8 +15,6 @@
 #include <vector>
 
 namespace {
-
-LineReporter lines;
 
 // A text and the definition that it was matched against.
 struct MatchedData
@@ -49,7 +46,7 @@ void split(benchmark::State& state, const std::string& message)
 {
     const QString text = decoded(message);
     for (auto _ : state) {
-        const AdexpDoc document(text, &lines);
+        const AdexpDoc document(text);
         benchmark::DoNotOptimize(document.wordList.size());
     }
 }
@@ -59,7 +56,7 @@ void splitAndParse(benchmark::State& state, const std::string& message)
 {
     const QString text = decoded(message);
     for (auto _ : state) {
-        AdexpDoc document(text, &lines);
+        AdexpDoc document(text);
         document.setRootField(&mc->msgRules);
         document.parse();
         benchmark::DoNotOptimize(document.rootField);
@@ -68,7 +65,7 @@ void splitAndParse(benchmark::State& state, const std::string& message)
 
 void match(benchmark::State& state, const std::string& message)
 {
-    AdexpDoc document(decoded(message), &lines);
+    AdexpDoc document(decoded(message));
     document.setRootField(&mc->msgRules);
     document.parse();
     std::vector<MatchedData> matched;
@@ -81,7 +78,7 @@ void match(benchmark::State& state, const std::string& message)
 
 void write(benchmark::State& state, const std::string& message)
 {
-    AdexpDoc document(decoded(message), &lines);
+    AdexpDoc document(decoded(message));
     document.setRootField(&mc->msgRules);
     document.parse();
     for (auto _ : state)

@@ -4,11 +4,10 @@
 
 #include "support/diagnosticcapture.h"
 #include "support/termset.h"
-#include "support/tooutput.h"
 
-#include "grammar/match.h"
-#include "grammar/termexpression.h"
-#include "load/mainclass.h"
+#include "mainclass.h"
+#include "matchingsteps.h"
+#include "termexpression.h"
 
 #include <gtest/gtest.h>
 
@@ -76,7 +75,7 @@ std::int64_t match(const QString& expression, int count, const QString& part, in
 {
     const DiagnosticCapture capture;
     const std::unique_ptr<TermStd> term = compileDefinition(QStringLiteral("T"), expression);
-    EXPECT_TRUE(term->check_config(nullptr, &toOutput));
+    EXPECT_TRUE(term->check_config(nullptr));
     const QString text = part.repeated(count);
     EXPECT_EQ(term->parse(text.constData()), expected);
     return expression.size() + text.size();
@@ -118,13 +117,13 @@ public:
     {
         ConfigInfo record;
         fillRecord(&record, name, text);
-        if (TermStd* const term = TermExpression::append_expression(&record, true, &toOutput))
+        if (TermStd* const term = TermExpression::append_expression(&record, true))
             m_converter.termsList.append(term);
         m_bytes += name.size() + text.size();
     }
     std::int64_t check()
     {
-        m_converter.termsList_checkConfig(&toOutput);
+        m_converter.termsList_checkConfig();
         return m_bytes;
     }
     qsizetype size() const { return m_converter.termsList.size(); }
@@ -242,16 +241,16 @@ TEST_P(HostileNestedRepeats, TakeNoMoreThanTheStepsThatThereAre)
     const NestedRepeat& shape = GetParam();
     const QString text = QString::fromLatin1(shape.text).repeated(300);
     const auto allowed =
-        static_cast<double>(Match::StepsAtLeast + Match::StepsPerUnit * text.size());
+        static_cast<double>(MatchingSteps::AtLeast + MatchingSteps::PerUnit * text.size());
     for (const int levels : {1, 2, 4, 8, 30}) {
         DefinitionSet set;
         TermStd* const term = defineLevels(shape.level, levels, &set);
         ASSERT_NE(term, nullptr);
         bool areExhausted = false;
         const std::int64_t taken = stepsOf([&] {
-            Match match(text.size(), &toOutput);
-            term->match(text.constData(), &match);
-            areExhausted = match.areStepsExhausted();
+            const MatchingSteps steps(text.size());
+            term->parse(text.constData());
+            areExhausted = steps.areExhausted();
         });
         // A repetition tries some terms, and each of them takes some branches.
         EXPECT_LE(static_cast<double>(taken), 60 * allowed) << levels << " levels";
@@ -277,9 +276,9 @@ TEST(HostileMatching, NestedRepeatsThatWasteNothingTakeStepsInProportionToTheTex
         const auto takenFor = [term](int count) {
             const QString text(count, u'A');
             return stepsOf([&] {
-                Match match(text.size(), &toOutput);
-                EXPECT_GT(term->match(text.constData(), &match), 0);
-                EXPECT_FALSE(match.areStepsExhausted());
+                const MatchingSteps steps(text.size());
+                EXPECT_GT(term->parse(text.constData()), 0);
+                EXPECT_FALSE(steps.areExhausted());
             });
         };
         EXPECT_LE(takenFor(10'000), 11 * takenFor(1000));

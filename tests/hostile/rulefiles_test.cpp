@@ -4,10 +4,9 @@
 
 #include "support/diagnosticcapture.h"
 #include "support/rulefolder.h"
-#include "support/tooutput.h"
 
-#include "grammar/termstd.h"
-#include "load/mainclass.h"
+#include "mainclass.h"
+#include "termstd.h"
 
 #include <gtest/gtest.h>
 
@@ -31,7 +30,7 @@ Loaded load(const RuleFolder& folder, const QByteArray& content)
     MainClass converter(nullptr);
     Loaded loaded;
     loaded.isRead = converter.readTermsXMLFile(folder.write(TermFile, content),
-                                               QStringLiteral("simpleTerm"), false, &toOutput);
+                                               QStringLiteral("simpleTerm"), false);
     if (const TermStd* const term = converter.termsList.search(u"A"))
         loaded.ruleText = term->config.ruleText;
     loaded.reports = capture.debugLines();

@@ -4,11 +4,10 @@
 // All examples of one record:  adexp_rule_tests --gtest_filter='*/PrimaryField_ADEP'
 
 #include "support/diagnosticcapture.h"
-#include "support/tooutput.h"
 
 #include "examplechecker.h"
-#include "load/mainclass.h"
-#include "message/msgrule.h"
+#include "mainclass.h"
+#include "msgrule.h"
 #include "rulechecker.h"
 #include "rulefile.h"
 
@@ -168,7 +167,7 @@ struct RuleSet
     {
         QSettings settings(SettingsPath, QSettings::IniFormat);
         const DiagnosticCapture diagnostics;
-        isLoaded = converter.readSettingsRules(&settings, &toOutput);
+        isLoaded = converter.readSettingsRules(&settings);
         for (const DiagnosticCapture::Line& line : diagnostics.lines())
             reports.append(line.text);
     }

@@ -1,7 +1,7 @@
 #ifndef FIELDTREE_H
 #define FIELDTREE_H
 
-#include "message/adexpfield.h"
+#include "adexpfield.h"
 #include "support/reports.h"
 
 #include <QString>

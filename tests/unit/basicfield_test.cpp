@@ -1,12 +1,11 @@
 // Fields with data: where the data ends, and how it is matched against the definition.
 
-#include "message/adexpdoc.h"
+#include "adexpdoc.h"
 
 #include "support/diagnosticcapture.h"
 #include "support/fieldtree.h"
 #include "support/grammar.h"
 #include "support/reports.h"
-#include "support/tooutput.h"
 
 #include <gtest/gtest.h>
 
@@ -35,7 +34,7 @@ protected:
     // The fields below the root of the message, whose text is put behind "-TITLE T ".
     Lines tree(const QString& fields)
     {
-        doc = std::make_unique<AdexpDoc>(QStringLiteral("-TITLE T ") + fields, &toOutput);
+        doc = std::make_unique<AdexpDoc>(QStringLiteral("-TITLE T ") + fields);
         doc->setRootField(grammar.rules());
         doc->parse();
         return treeBelow(*doc->rootField);
@@ -152,7 +151,7 @@ TEST_F(BasicField, BlockWithoutDataIsAccepted)
 
 TEST_F(BasicField, EndsAtItsTextLimitWhenNothingWasRead)
 {
-    AdexpDoc empty(QString(), &toOutput);
+    AdexpDoc empty{QString()};
     AdexpField* const root = empty.createField(&empty, QStringView(u"ARCID"),
                                                grammar.fieldTerm(QStringLiteral("ARCID")));
     root->parseBasicField();

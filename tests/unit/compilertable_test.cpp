@@ -2,11 +2,10 @@
 
 #include "support/diagnosticcapture.h"
 #include "support/termset.h"
-#include "support/tooutput.h"
 #include "support/utf16text.h"
 
-#include "grammar/termexpression.h"
-#include "message/msgrule.h"
+#include "msgrule.h"
+#include "termexpression.h"
 
 #include <gtest/gtest.h>
 
@@ -604,8 +603,7 @@ TEST(CompilerUnwrap, bracketed_part_of_one_decorated_term_stays_an_expression)
         SCOPED_TRACE(text.toStdString());
         ConfigInfo record;
         fillRecord(&record, QStringLiteral("R"), text);
-        const std::unique_ptr<TermStd> term(
-            TermExpression::append_expression(&record, false, &toOutput));
+        const std::unique_ptr<TermStd> term(TermExpression::append_expression(&record, false));
         ASSERT_TRUE(term);
         EXPECT_EQ(term->type(), 8);
         EXPECT_EQ(term->bracketType, 0);
@@ -618,8 +616,7 @@ TEST(CompilerUnwrap, bracketed_part_of_one_plain_term_is_that_term)
 {
     ConfigInfo record;
     fillRecord(&record, QStringLiteral("R"), QStringLiteral("((A))"));
-    const std::unique_ptr<TermStd> term(
-        TermExpression::append_expression(&record, false, &toOutput));
+    const std::unique_ptr<TermStd> term(TermExpression::append_expression(&record, false));
     ASSERT_TRUE(term);
     EXPECT_EQ(term->type(), 9);
     EXPECT_EQ(term->bracketType, 0);
@@ -630,7 +627,7 @@ TEST(CompilerInvariant, expression_holds_one_operator_less_than_terms)
     ConfigInfo record;
     fillRecord(&record, QStringLiteral("R"), QStringLiteral(" a  b | "));
     DiagnosticCapture diagnostics;
-    const TermExpression broken(&record, &toOutput);
+    const TermExpression broken(&record);
     EXPECT_FALSE(broken.valid);
     EXPECT_EQ(broken.ExprRuleStr, QStringLiteral("a b |"));
     // What was compiled before the error stays: A, the inserted separator and B.
@@ -638,14 +635,14 @@ TEST(CompilerInvariant, expression_holds_one_operator_less_than_terms)
     EXPECT_EQ(broken.OperatorsList, QStringLiteral("!!"));
 
     record.ruleText = QStringLiteral("a|b|c");
-    const TermExpression choice(&record, &toOutput);
+    const TermExpression choice(&record);
     EXPECT_TRUE(choice.valid);
     EXPECT_EQ(choice.ExprList.size(), 3);
     EXPECT_EQ(choice.OperatorsList, QStringLiteral("||"));
     EXPECT_EQ(choice.currentOperator, QChar(u'|'));
 
     record.ruleText = QStringLiteral("a");
-    const TermExpression single(&record, &toOutput);
+    const TermExpression single(&record);
     EXPECT_TRUE(single.valid);
     EXPECT_TRUE(single.OperatorsList.isEmpty());
     EXPECT_TRUE(single.currentOperator.isNull());
@@ -656,16 +653,16 @@ TEST(CompilerInvariant, word_pending_at_a_bracket_error_is_not_among_the_terms)
     ConfigInfo record;
     fillRecord(&record, QStringLiteral("R"), QStringLiteral("A B(C"));
     DiagnosticCapture diagnostics;
-    const TermExpression glued(&record, &toOutput);
+    const TermExpression glued(&record);
     EXPECT_FALSE(glued.valid);
     EXPECT_EQ(glued.ExprList.size(), 1); // A
 
     record.ruleText = QStringLiteral("A 2 {C");
-    const TermExpression beforeBrace(&record, &toOutput);
+    const TermExpression beforeBrace(&record);
     EXPECT_EQ(beforeBrace.ExprList.size(), 1); // A; the 2 may still be a count
 
     record.ruleText = QStringLiteral("A B (C");
-    const TermExpression settledByBlank(&record, &toOutput);
+    const TermExpression settledByBlank(&record);
     EXPECT_EQ(settledByBlank.ExprList.size(), 3); // A, the inserted separator and B
 }
 
@@ -673,7 +670,7 @@ TEST(CompilerInvariant, sub_terms_carry_the_place_of_the_record_and_their_own_te
 {
     ConfigInfo record;
     fillRecord(&record, QStringLiteral("R"), QStringLiteral("a 'x y' {b c}"));
-    const TermExpression expression(&record, &toOutput);
+    const TermExpression expression(&record);
     ASSERT_EQ(expression.ExprList.size(), 4); // A, literal, inserted separator, group
     const QStringList ruleTexts{QStringLiteral("A"), QStringLiteral("X Y"),
                                 QStringLiteral("AUTOSEP"), QStringLiteral("B C")};
@@ -717,10 +714,10 @@ TEST(CompilerFirstTerm, first_term_is_handed_over_by_erasing_it)
 {
     ConfigInfo record;
     fillRecord(&record, QStringLiteral("R"), QStringLiteral("A"));
-    TermExpression expression(&record, &toOutput);
+    TermExpression expression(&record);
     const std::unique_ptr<TermStd> first(expression.get_first_term());
     ASSERT_TRUE(first);
-    expression.erase_first_term(&toOutput);
+    expression.erase_first_term();
     EXPECT_EQ(expression.get_first_term(), nullptr);
     EXPECT_EQ(first->ExprRuleStr, QStringLiteral("A")); // still alive: the caller owns it now
 }
@@ -730,9 +727,9 @@ TEST(CompilerFirstTerm, erasing_from_an_empty_expression_is_an_internal_error)
     ConfigInfo record;
     fillRecord(&record, QStringLiteral("R"), QString());
     DiagnosticCapture diagnostics;
-    TermExpression expression(&record, &toOutput);
+    TermExpression expression(&record);
     diagnostics.clear();
-    expression.erase_first_term(&toOutput);
+    expression.erase_first_term();
     ASSERT_EQ(diagnostics.lines().size(), 1u);
     EXPECT_EQ(diagnostics.lines()[0].type, QtCriticalMsg);
     EXPECT_EQ(diagnostics.lines()[0].text.trimmed().toStdString(),
@@ -743,7 +740,7 @@ TEST(CompilerStandardTerm, keywords_are_looked_up_exactly)
 {
     ConfigInfo record;
     fillRecord(&record, QStringLiteral("R"), QStringLiteral("A"));
-    const TermExpression expression(&record, &toOutput);
+    const TermExpression expression(&record);
     const QStringList keywords{QStringLiteral("CHARACTER"), QStringLiteral("ALPHANUM"),
                                QStringLiteral("ALPHA"),     QStringLiteral("DIGIT"),
                                QStringLiteral("SEP"),       QStringLiteral("NIL"),

@@ -2,10 +2,9 @@
 
 #include "support/reports.h"
 #include "support/termset.h"
-#include "support/tooutput.h"
 
-#include "grammar/termexpression.h"
-#include "report/configinfo.h"
+#include "configinfo.h"
+#include "termexpression.h"
 
 #include <QDomDocument>
 
@@ -124,8 +123,7 @@ TEST(ConfigErrorMessage, IsHeadRuleTextAndMessageEachQuotedAndFollowedByABlank)
     const TermStd term(TermTypeDigit, &item);
 
     const DiagnosticCapture diagnostics;
-    term.configErrorMessage(ADEXP_CODE_EMPTY_EXPRESSION, QStringLiteral("term list is empty"),
-                            &toOutput);
+    term.configErrorMessage(QStringLiteral("term list is empty"));
 
     EXPECT_EQ(linesOf(diagnostics),
               Lines{"\"element (FL_LEVEL) file simple.xml line 12, column 5: \" "
@@ -136,8 +134,7 @@ TEST(ConfigErrorMessage, IsOfSeverityDebug)
 {
     const ConfigInfo item;
     const DiagnosticCapture diagnostics;
-    TermStd(TermTypeDigit, &item)
-        .configErrorMessage(ADEXP_CODE_EMPTY_EXPRESSION, QStringLiteral("text"), &toOutput);
+    TermStd(TermTypeDigit, &item).configErrorMessage(QStringLiteral("text"));
     ASSERT_EQ(diagnostics.lines().size(), 1U);
     EXPECT_EQ(diagnostics.lines().front().type, QtDebugMsg);
 }
@@ -149,7 +146,7 @@ TEST(ConfigErrorMessage, DoesNotEscapeQuotesBackslashesOrLetters)
     const TermStd term(TermTypeDigit, &item);
 
     const DiagnosticCapture diagnostics;
-    term.configErrorMessage(ADEXP_CODE_EMPTY_EXPRESSION, QStringLiteral(u"say \"Г\""), &toOutput);
+    term.configErrorMessage(QStringLiteral(u"say \"Г\""));
 
     EXPECT_EQ(linesOf(diagnostics),
               Lines{"\"element (N\"M) file a\"b.xml line 1, column 1: \" \"'\"' \\n\" "
@@ -161,7 +158,7 @@ TEST(ConfigErrorMessage, OfEmptyRecordHasEmptyPieces)
     const ConfigInfo item;
     const TermStd term(TermTypeDigit, &item);
     const DiagnosticCapture diagnostics;
-    term.configErrorMessage(ADEXP_CODE_EMPTY_EXPRESSION, QString(), &toOutput);
+    term.configErrorMessage(QString());
     EXPECT_EQ(linesOf(diagnostics), Lines{"\"elementfile  line 0, column 0: \" \"\" \"\" "});
 }
 

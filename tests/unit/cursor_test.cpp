@@ -1,10 +1,9 @@
 // The cursor over the words of a message.
 
-#include "message/adexpdoc.h"
+#include "adexpdoc.h"
 
 #include "support/diagnosticcapture.h"
 #include "support/reports.h"
-#include "support/tooutput.h"
 
 #include <gtest/gtest.h>
 
@@ -28,7 +27,7 @@ Lines critical(const std::string& signature, const std::string& condition)
 // A document with its reports.
 struct Cursor
 {
-    explicit Cursor(const QString& message) : doc(message, &toOutput) {}
+    explicit Cursor(const QString& message) : doc(message) {}
 
     // The index of the word at the cursor.
     int index() const { return static_cast<int>(doc.currWordListIt - doc.wordList.cbegin()); }

@@ -1,12 +1,11 @@
 // The data of a field as one text.
 
-#include "message/adexpdoc.h"
-#include "message/adexpfield.h"
+#include "adexpdoc.h"
+#include "adexpfield.h"
 
 #include "support/diagnosticcapture.h"
 #include "support/grammar.h"
 #include "support/reports.h"
-#include "support/tooutput.h"
 
 #include <gtest/gtest.h>
 
@@ -54,7 +53,7 @@ protected:
 
     Grammar grammar;
     DiagnosticCapture diagnostics;
-    AdexpDoc doc{QString(), &toOutput};
+    AdexpDoc doc{QString()};
 };
 
 TEST_F(FieldData, OfAFieldWithoutTermIsItsOwn)

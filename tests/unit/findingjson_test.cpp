@@ -1,25 +1,28 @@
 // Findings as lines of JSON.
 
 #include "findingjson.h"
+#include "findingobserver.h"
+
+#include <QJsonObject>
 
 #include <gtest/gtest.h>
 
 namespace {
 
-std::string lineOf(const FindingFacts& finding)
+std::string lineOf(const Finding& finding)
 {
     return jsonLine(findingJson(finding));
 }
 
 TEST(FindingJson, OfARuleSetHasItsPlaceAndDefinition)
 {
-    FindingFacts finding;
+    Finding finding;
     finding.text = QStringLiteral("term in \"\" empty");
     finding.detail = QStringLiteral("A\tB");
-    finding.file = QStringLiteral("terms.xml");
-    finding.line = 3;
-    finding.column = 7;
-    finding.name = QStringLiteral("FL");
+    finding.record.xmlFile = QStringLiteral("terms.xml");
+    finding.record.lineNumber = 3;
+    finding.record.columnNumber = 7;
+    finding.record.recordName = QStringLiteral("FL");
     finding.begin = 5;
     EXPECT_EQ(lineOf(finding), "{\"column\":7,\"detail\":\"A\\tB\",\"file\":\"terms.xml\","
                                "\"line\":3,\"name\":\"FL\",\"severity\":\"error\","
@@ -28,8 +31,8 @@ TEST(FindingJson, OfARuleSetHasItsPlaceAndDefinition)
 
 TEST(FindingJson, OfAMessageHasItsStretch)
 {
-    FindingFacts finding;
-    finding.isWarning = true;
+    Finding finding;
+    finding.severity = Severity::Warning;
     finding.text = QStringLiteral("ignore word");
     finding.detail = QStringLiteral("Q\n\u007f\u009b\u202e");
     finding.begin = 0;
@@ -40,7 +43,7 @@ TEST(FindingJson, OfAMessageHasItsStretch)
 
 TEST(FindingJson, WithoutAPlaceHasNone)
 {
-    FindingFacts finding;
+    Finding finding;
     finding.text = QStringLiteral("x");
     EXPECT_EQ(lineOf(finding), "{\"severity\":\"error\",\"text\":\"x\"}\n");
 }

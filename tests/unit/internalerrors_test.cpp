@@ -2,10 +2,9 @@
 // them.
 
 #include "support/diagnosticcapture.h"
-#include "support/tooutput.h"
 
-#include "grammar/termexpression.h"
-#include "grammar/termvariable.h"
+#include "termexpression.h"
+#include "termvariable.h"
 
 #include <gtest/gtest.h>
 
@@ -50,8 +49,8 @@ TEST(InternalErrorLines, UnresolvedReference)
     const DiagnosticCapture capture;
     EXPECT_EQ(variable.parse(QStringLiteral("A").constData()), 0);
     EXPECT_EQ(variable.calculateOfLengthData(true), 0);
-    EXPECT_FALSE(variable.isCharacterNoLimit(&toOutput));
-    EXPECT_FALSE(variable.isFirstRequiredField(&variable, &toOutput));
+    EXPECT_FALSE(variable.isCharacterNoLimit());
+    EXPECT_FALSE(variable.isFirstRequiredField(&variable));
     EXPECT_EQ(
         capture.criticalLines(),
         (QStringList{
@@ -69,9 +68,9 @@ TEST(InternalErrorLines, ExpressionWithoutTheTermsItNeeds)
     QStringList lines;
     {
         const DiagnosticCapture capture;
-        TermExpression expression(&record, &toOutput);
-        expression.erase_first_term(&toOutput);
-        EXPECT_FALSE(expression.isFirstRequiredField(&expression, &toOutput));
+        TermExpression expression(&record);
+        expression.erase_first_term();
+        EXPECT_FALSE(expression.isFirstRequiredField(&expression));
         lines = capture.criticalLines();
     }
     EXPECT_EQ(lines,
@@ -84,7 +83,7 @@ TEST(InternalErrorLines, ExpressionWithoutTheTermsItNeeds)
 TEST(InternalErrorLines, ExpressionWithTooFewOperators)
 {
     const ConfigInfo record = recordOf("DIGIT ! ALPHA");
-    TermExpression expression(&record, &toOutput);
+    TermExpression expression(&record);
     expression.OperatorsList.clear();
     const DiagnosticCapture capture;
     EXPECT_EQ(expression.dumpData(true),

@@ -2,7 +2,6 @@
 
 #include "support/diagnosticcapture.h"
 #include "support/termset.h"
-#include "support/tooutput.h"
 #include "support/utf16text.h"
 
 #include <gtest/gtest.h>
@@ -55,7 +54,7 @@ void checkRow(const Row& row)
         ASSERT_TRUE(definitions.define(definition.name, definition.expression));
     const auto term = compileDefinition(QStringLiteral("R"), expression);
     ASSERT_TRUE(term);
-    ASSERT_TRUE(term->check_config(definitions.terms(), &toOutput));
+    ASSERT_TRUE(term->check_config(definitions.terms()));
     diagnostics.clear();
     EXPECT_EQ(term->parse(text.constData()), row.matched);
     EXPECT_TRUE(diagnostics.lines().empty()) << "matching reports nothing";

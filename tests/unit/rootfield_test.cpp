@@ -1,11 +1,10 @@
 // The search for the title, the choice of the rule and the root field.
 
-#include "message/adexpdoc.h"
+#include "adexpdoc.h"
 
 #include "support/diagnosticcapture.h"
 #include "support/grammar.h"
 #include "support/reports.h"
-#include "support/tooutput.h"
 
 #include <gtest/gtest.h>
 
@@ -53,7 +52,7 @@ protected:
 
 TEST_F(RootField, IsNamedByTheTitleAndTakesItsRule)
 {
-    AdexpDoc doc(QStringLiteral("-TITLE IFPL -ARCID ABC\n"), &toOutput);
+    AdexpDoc doc(QStringLiteral("-TITLE IFPL -ARCID ABC\n"));
     doc.setRootField(grammar.rules());
     expectRoot(doc, u"IFPL", rule(0), 0);
     expectHeader(doc);
@@ -63,7 +62,7 @@ TEST_F(RootField, IsNamedByTheTitleAndTakesItsRule)
 
 TEST_F(RootField, WordsAndFieldsBeforeTheTitleAreReported)
 {
-    AdexpDoc doc(QStringLiteral("ZCZC 001 -ADEXP -TITLE ACK"), &toOutput);
+    AdexpDoc doc(QStringLiteral("ZCZC 001 -ADEXP -TITLE ACK"));
     doc.setRootField(grammar.rules());
     expectRoot(doc, u"ACK", rule(1), 16);
     EXPECT_EQ(linesOf(diagnostics),
@@ -74,7 +73,7 @@ TEST_F(RootField, WordsAndFieldsBeforeTheTitleAreReported)
 
 TEST_F(RootField, LoneHyphenBeforeTitleIsJoined)
 {
-    AdexpDoc doc(QStringLiteral("-\nTITLE IFPL"), &toOutput);
+    AdexpDoc doc(QStringLiteral("-\nTITLE IFPL"));
     doc.setRootField(grammar.rules());
     expectRoot(doc, u"IFPL", rule(0), 2);
     EXPECT_EQ(linesOf(diagnostics), Lines());
@@ -82,7 +81,7 @@ TEST_F(RootField, LoneHyphenBeforeTitleIsJoined)
 
 TEST_F(RootField, JoinedFieldBeforeTheTitleIsReportedWithItsHyphen)
 {
-    AdexpDoc doc(QStringLiteral("- - X -TITLE IFPL"), &toOutput);
+    AdexpDoc doc(QStringLiteral("- - X -TITLE IFPL"));
     doc.setRootField(grammar.rules());
     EXPECT_EQ(linesOf(diagnostics),
               (Lines{"\"field consists of a single character\" ",
@@ -92,7 +91,7 @@ TEST_F(RootField, JoinedFieldBeforeTheTitleIsReportedWithItsHyphen)
 
 TEST_F(RootField, NoneWithoutTitle)
 {
-    AdexpDoc doc(QStringLiteral("-title IFPL -TITLEX -ARCID"), &toOutput);
+    AdexpDoc doc(QStringLiteral("-title IFPL -TITLEX -ARCID"));
     doc.setRootField(grammar.rules());
     EXPECT_EQ(doc.rootField, nullptr);
     expectHeader(doc);
@@ -113,7 +112,7 @@ TEST_F(RootField, NoneWithoutTitle)
 
 TEST_F(RootField, NoneInAnEmptyText)
 {
-    AdexpDoc doc{QString(), &toOutput};
+    AdexpDoc doc{QString()};
     doc.setRootField(grammar.rules());
     EXPECT_EQ(doc.rootField, nullptr);
     EXPECT_EQ(linesOf(diagnostics), (Lines{"\"begin message (-TITLE) not found\" "}));
@@ -121,7 +120,7 @@ TEST_F(RootField, NoneInAnEmptyText)
 
 TEST_F(RootField, HasNoTermWithoutARuleForTheTitle)
 {
-    AdexpDoc doc(QStringLiteral("-TITLE XYZ -ARCID ABC"), &toOutput);
+    AdexpDoc doc(QStringLiteral("-TITLE XYZ -ARCID ABC"));
     doc.setRootField(grammar.rules());
     expectRoot(doc, u"XYZ", nullptr, 0);
     doc.parse();
@@ -133,14 +132,14 @@ TEST_F(RootField, HasNoTermWithoutARuleForTheTitle)
 
 TEST_F(RootField, HasNoTermForATitleInLowerCase)
 {
-    AdexpDoc doc(QStringLiteral("-TITLE ifpl"), &toOutput);
+    AdexpDoc doc(QStringLiteral("-TITLE ifpl"));
     doc.setRootField(grammar.rules());
     expectRoot(doc, u"ifpl", nullptr, 0);
 }
 
 TEST_F(RootField, HasAnEmptyTitleBehindTitleAsLastWord)
 {
-    AdexpDoc doc(QStringLiteral("-TITLE "), &toOutput);
+    AdexpDoc doc(QStringLiteral("-TITLE "));
     doc.setRootField(grammar.rules());
     expectRoot(doc, u"", nullptr, 0);
     EXPECT_TRUE(doc.toXMLString().isEmpty());
@@ -149,7 +148,7 @@ TEST_F(RootField, HasAnEmptyTitleBehindTitleAsLastWord)
 
 TEST_F(RootField, TitleMayBeAFieldWord)
 {
-    AdexpDoc doc(QStringLiteral("-TITLE -ARCID ABC"), &toOutput);
+    AdexpDoc doc(QStringLiteral("-TITLE -ARCID ABC"));
     doc.setRootField(grammar.rules());
     expectRoot(doc, u"-ARCID", nullptr, 0);
     EXPECT_EQ(linesOf(diagnostics), Lines());
@@ -157,7 +156,7 @@ TEST_F(RootField, TitleMayBeAFieldWord)
 
 TEST_F(RootField, IsTheSameWhenSetAgain)
 {
-    AdexpDoc doc(QStringLiteral("X -TITLE IFPL -ARCID ABC"), &toOutput);
+    AdexpDoc doc(QStringLiteral("X -TITLE IFPL -ARCID ABC"));
     doc.setRootField(grammar.rules());
     doc.parse();
     diagnostics.clear();
@@ -173,7 +172,7 @@ TEST_F(RootField, IsTheSameWhenSetAgain)
 
 TEST_F(RootField, NeedsNoRules)
 {
-    AdexpDoc doc(QStringLiteral("-TITLE IFPL"), &toOutput);
+    AdexpDoc doc(QStringLiteral("-TITLE IFPL"));
     doc.setRootField(nullptr);
     expectRoot(doc, u"IFPL", nullptr, 0);
 }

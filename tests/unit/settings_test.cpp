@@ -3,10 +3,9 @@
 #include "support/reports.h"
 #include "support/rulefolder.h"
 #include "support/ruleset.h"
-#include "support/tooutput.h"
 
-#include "load/mainclass.h"
-#include "message/msgrule.h"
+#include "mainclass.h"
+#include "msgrule.h"
 
 #include <QSettings>
 
@@ -36,7 +35,7 @@ protected:
         QSettings settings(folder.write(QStringLiteral("adexp.ini"), settingsFile),
                            QSettings::IniFormat);
         EXPECT_EQ(settings.status(), QSettings::NoError);
-        return converter.readSettingsRules(&settings, &toOutput);
+        return converter.readSettingsRules(&settings);
     }
 
     bool loadAll() { return load(settingsText(simpleFile, subFile, primaryFile, rulesFile)); }
@@ -116,7 +115,7 @@ TEST_F(Settings, FileThatDoesNotExistIsLikeAnEmptyOne)
 {
     QSettings settings(folder.path(QStringLiteral("missing.ini")), QSettings::IniFormat);
     EXPECT_EQ(settings.status(), QSettings::NoError);
-    EXPECT_FALSE(converter.readSettingsRules(&settings, &toOutput));
+    EXPECT_FALSE(converter.readSettingsRules(&settings));
     EXPECT_EQ(linesOf(diagnostics), NoSimpleTermsPath);
 }
 
@@ -199,8 +198,7 @@ TEST_F(Settings, MessageRulesWithoutAValidRuleAreNoFailure)
                "<rules><msgRule title='IFPL'><fields>NOWHERE</fields></msgRule></rules>");
     EXPECT_TRUE(loadAll());
     EXPECT_EQ(converter.msgRules.size(), 0);
-    EXPECT_TRUE(converter.charAdexpToCharXml(QStringLiteral("-TITLE IFPL -ARCID AB12"), &toOutput)
-                    .isEmpty());
+    EXPECT_TRUE(converter.charAdexpToCharXml(QStringLiteral("-TITLE IFPL -ARCID AB12")).isEmpty());
 }
 
 TEST_F(Settings, BadRecordsAreNoFailure)
@@ -323,7 +321,7 @@ TEST_F(Settings, GetPathGivesTheValueOfTheCurrentGroupOrNothing)
 TEST_F(Settings, EmbeddedRuleSetIsNamedByResourcePaths)
 {
     QSettings settings(QStringLiteral(":/adexp/adexp.ini"), QSettings::IniFormat);
-    EXPECT_TRUE(converter.readSettingsRules(&settings, &toOutput));
+    EXPECT_TRUE(converter.readSettingsRules(&settings));
     EXPECT_GT(converter.msgRules.size(), 0);
 }
 

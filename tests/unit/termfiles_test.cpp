@@ -2,10 +2,9 @@
 
 #include "support/reports.h"
 #include "support/rulefolder.h"
-#include "support/tooutput.h"
 
-#include "grammar/termstd.h"
-#include "load/mainclass.h"
+#include "mainclass.h"
+#include "termstd.h"
 
 #include <gtest/gtest.h>
 
@@ -20,7 +19,7 @@ protected:
     bool load(const QByteArray& content)
     {
         file = folder.write(QStringLiteral("terms.xml"), content);
-        return converter.readTermsXMLFile(file, SimpleTag, false, &toOutput);
+        return converter.readTermsXMLFile(file, SimpleTag, false);
     }
 
     // The names of the terms in list order.
@@ -99,7 +98,7 @@ TEST_F(TermFiles, ContainsFieldIsWhatTheCallerSays)
     converter.readTermsXMLFile(
         folder.write(QStringLiteral("sub.xml"),
                      "<terms><SubField name='B'><term>DIGIT</term></SubField></terms>"),
-        QStringLiteral("SubField"), true, &toOutput);
+        QStringLiteral("SubField"), true);
     EXPECT_FALSE(term("A")->containsField);
     EXPECT_TRUE(term("B")->containsField);
 }
@@ -267,7 +266,7 @@ TEST_F(TermFiles, SubFieldNamedLikeASimpleTermIsIgnored)
     const QString subFile =
         folder.write(QStringLiteral("sub.xml"),
                      "<terms><SubField name='a'><term>ALPHA</term></SubField></terms>");
-    EXPECT_TRUE(converter.readTermsXMLFile(subFile, QStringLiteral("SubField"), true, &toOutput));
+    EXPECT_TRUE(converter.readTermsXMLFile(subFile, QStringLiteral("SubField"), true));
     EXPECT_EQ(names(), Lines{"A"});
     EXPECT_FALSE(term("A")->containsField);
     EXPECT_EQ(
@@ -326,8 +325,7 @@ TEST_F(TermFiles, RecordThatDoesNotCompileIsSkippedWithoutAReportOfTheLoader)
 
 TEST_F(TermFiles, EmptyPathIsReportedTwiceAndFails)
 {
-    EXPECT_FALSE(
-        converter.readTermsXMLFile(QString(), QStringLiteral("SubField"), true, &toOutput));
+    EXPECT_FALSE(converter.readTermsXMLFile(QString(), QStringLiteral("SubField"), true));
     EXPECT_EQ(linesOf(diagnostics),
               (Lines{setContentReport(QStringLiteral("file path is empty")),
                      readTermsReport(QStringLiteral("can not read SubField records"))}));
@@ -336,7 +334,7 @@ TEST_F(TermFiles, EmptyPathIsReportedTwiceAndFails)
 TEST_F(TermFiles, FileThatCannotBeOpenedIsReportedTwiceAndFails)
 {
     const QString missing = folder.path(QStringLiteral("missing.xml"));
-    EXPECT_FALSE(converter.readTermsXMLFile(missing, SimpleTag, false, &toOutput));
+    EXPECT_FALSE(converter.readTermsXMLFile(missing, SimpleTag, false));
     EXPECT_EQ(linesOf(diagnostics),
               (Lines{setContentReport(RuleFolder::openErrorText(missing)),
                      readTermsReport(QStringLiteral("can not read simpleTerm records"))}));
@@ -363,7 +361,7 @@ TEST_F(TermFiles, SetContentGivesTheDocument)
 {
     QDomDocument document;
     EXPECT_TRUE(converter.ruleDomDocumentsetContent(
-        folder.write(QStringLiteral("x.xml"), "<a xmlns='u'><b/></a>"), &document, &toOutput));
+        folder.write(QStringLiteral("x.xml"), "<a xmlns='u'><b/></a>"), &document));
     EXPECT_EQ(document.documentElement().tagName().toStdString(), "a");
     // Namespaces are processed.
     EXPECT_EQ(document.documentElement().namespaceURI().toStdString(), "u");

@@ -1,13 +1,12 @@
 // Parts of a rule set that have no effect.
 
-#include "grammar/termexpression.h"
-#include "load/mainclass.h"
+#include "mainclass.h"
+#include "termexpression.h"
 #include "termwarnings.h"
 
 #include "support/diagnosticcapture.h"
 #include "support/expressionwriter.h"
 #include "support/rulefolder.h"
-#include "support/tooutput.h"
 
 #include <gtest/gtest.h>
 
@@ -28,7 +27,7 @@ public:
         ConfigInfo record;
         record.recordName = name;
         record.ruleText = expression;
-        if (TermStd* const term = TermExpression::append_expression(&record, true, &toOutput)) {
+        if (TermStd* const term = TermExpression::append_expression(&record, true)) {
             term->containsField = isField;
             converter.termsList.append(term);
         }
@@ -38,19 +37,17 @@ public:
     Rules& rule(const QString& fields)
     {
         const RuleFolder folder;
-        converter.termsList_checkConfig(&toOutput);
-        EXPECT_TRUE(converter.readMsgRulesXMLFile(
-            folder.write(QStringLiteral("rules.xml"), "<r><msgRule title='MSG'><fields>" +
-                                                          fields.toUtf8() +
-                                                          "</fields></msgRule></r>"),
-            &toOutput));
+        converter.termsList_checkConfig();
+        EXPECT_TRUE(converter.readMsgRulesXMLFile(folder.write(
+            QStringLiteral("rules.xml"),
+            "<r><msgRule title='MSG'><fields>" + fields.toUtf8() + "</fields></msgRule></r>")));
         return *this;
     }
 
     // Each warning as "text" and, behind " @ ", the expression from its position on.
     std::vector<std::string> warnings(const QString& expression)
     {
-        converter.termsList_checkConfig(&toOutput);
+        converter.termsList_checkConfig();
         std::vector<std::string> result;
         for (const Finding& finding : TermWarnings(&converter).find()) {
             EXPECT_EQ(finding.severity, Severity::Warning);
@@ -190,7 +187,7 @@ TEST(NeverMatching, IsTrueOfAllShortTexts)
             .term(QStringLiteral("Y"), QStringLiteral("ALPHA | '1'"))
             .term(QStringLiteral("Z"), QStringLiteral("X ! ['-' ! Y]"))
             .term(QStringLiteral("R"), expression);
-        rules.converter.termsList_checkConfig(&toOutput);
+        rules.converter.termsList_checkConfig();
         TermStd* const term = rules.converter.termsList.search(u"R");
         const TermExpression* const sequence = term ? asExpression(term) : nullptr;
         if (!sequence || isChoice(sequence))

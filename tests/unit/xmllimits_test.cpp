@@ -1,13 +1,12 @@
 // Rule files that nest too deep or grow too much are refused before QDomDocument reads them.
 
-#include "load/xmllimits.h"
+#include "xmllimits.h"
 
 #include "support/diagnosticcapture.h"
 #include "support/rulefolder.h"
 #include "support/smallstack.h"
-#include "support/tooutput.h"
 
-#include "load/mainclass.h"
+#include "mainclass.h"
 
 #include <QDomDocument>
 #include <QXmlStreamReader>
@@ -230,7 +229,7 @@ TEST(XmlLimits, AFileOfAHundredThousandOpenElementsIsReportedAtOnce)
         const DiagnosticCapture capture;
         MainClass converter(nullptr);
         QDomDocument document;
-        EXPECT_FALSE(converter.ruleDomDocumentsetContent(path, &document, &toOutput));
+        EXPECT_FALSE(converter.ruleDomDocumentsetContent(path, &document));
         EXPECT_EQ(capture.debugLines(),
                   QStringList{QStringLiteral(
                       "bool MainClass::ruleDomDocumentsetContent(const QString&, QDomDocument*) "
@@ -249,7 +248,7 @@ TEST(XmlLimits, TheDeepestFileIsLoadedWithLittleStack)
         const DiagnosticCapture capture;
         MainClass converter(nullptr);
         EXPECT_TRUE(converter.readTermsXMLFile(folder.write(QStringLiteral("deep.xml"), content),
-                                               QStringLiteral("simpleTerm"), false, &toOutput));
+                                               QStringLiteral("simpleTerm"), false));
         EXPECT_NE(converter.termsList.search(u"A"), nullptr);
         EXPECT_TRUE(capture.lines().empty());
     });
@@ -269,8 +268,9 @@ TEST(XmlLimits, EachReportNamesItsLimit)
     for (const auto& [content, text] : files) {
         const QString path = folder.write(QStringLiteral("rules.xml"), content);
         const DiagnosticCapture capture;
+        MainClass converter(nullptr);
         QDomDocument document;
-        EXPECT_FALSE(MainClass::ruleDomDocumentsetContent(path, &document, &toOutput));
+        EXPECT_FALSE(converter.ruleDomDocumentsetContent(path, &document));
         ASSERT_EQ(capture.debugLines().size(), 1);
         const QString line = capture.debugLines().front();
         EXPECT_TRUE(line.endsWith(QLatin1String(text) + QLatin1String("\" ")))

@@ -1,12 +1,11 @@
 #include "termwarnings.h"
 
 #include "definitions.h"
-#include "grammar/termexpression.h"
-#include "grammar/termvariable.h"
-#include "load/mainclass.h"
-#include "message/msgrule.h"
-#include "printedreports.h"
+#include "mainclass.h"
+#include "msgrule.h"
+#include "termexpression.h"
 #include "termtext.h"
+#include "termvariable.h"
 
 #include <QSet>
 
@@ -175,8 +174,7 @@ TermWarnings::Names TermWarnings::checkNames(const TermStd* term, bool onceEach)
     } else if (isField(term)) {
         names.first.insert(term->ExprRuleStr, term);
         TermStd* const field = static_cast<const TermVariable*>(term)->simpleTerm;
-        PrintedReports reports;
-        if (field->fieldKind(&reports) == FieldKind::BasicToLimit)
+        if (field->fieldKind() == FieldKind::BasicToLimit)
             names.takingAll = term;
     }
     return names;

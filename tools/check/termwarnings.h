@@ -1,7 +1,7 @@
 #ifndef TERMWARNINGS_H
 #define TERMWARNINGS_H
 
-#include "report/finding.h"
+#include "findingobserver.h"
 #include "termfacts.h"
 
 #include <QHash>

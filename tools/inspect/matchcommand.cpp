@@ -1,15 +1,17 @@
 #include "matchcommand.h"
 
+#include "adexplib.h"
 #include "commandline.h"
 #include "console.h"
+#include "definitionnesting.h"
 #include "definitions.h"
+#include "diagnosticcollector.h"
 #include "findingjson.h"
-#include "grammar/definitionnesting.h"
-#include "grammar/termexpression.h"
-#include "load/mainclass.h"
-#include "loadedrules.h"
+#include "findingobserver.h"
+#include "mainclass.h"
+#include "matchingsteps.h"
 #include "matchtrace.h"
-#include "report/reporter.h"
+#include "termexpression.h"
 
 #include <CLI/CLI.hpp>
 
@@ -31,10 +33,10 @@ constexpr const char* MatchFooter =
     "  adexp match EOBT 0560\n"
     "  adexp match --expr \"ALPHA ! 3{DIGIT}3\" F35\n";
 
-class FirstFinding : public Reporter
+class FirstFinding : public FindingObserver
 {
 public:
-    void report(const Finding& finding) override
+    void found(const Finding& finding) override
     {
         if (first.text.isEmpty())
             first = finding;
@@ -94,8 +96,9 @@ QJsonObject jsonResult(const MatchTrace& trace, const QString& text)
 
 ExitCode show(TermStd* term, const QString& text, bool isJson)
 {
+    const MatchingSteps steps(text.size());
     const MatchTrace trace(term, text);
-    if (trace.areStepsExhausted()) {
+    if (steps.areExhausted()) {
         printError(text.toStdString(), "takes too many steps to be matched; put fewer repeats into "
                                        "each other in the definition");
         return ExitCode::NotDone;
@@ -116,14 +119,15 @@ void printExpressionError(const QString& expression, const Finding& finding)
 }
 
 // The checked term of the expression; null after a message.
-std::unique_ptr<TermStd> compile(const MainClass& rules, const std::string& text)
+std::unique_ptr<TermStd> compile(const std::string& text)
 {
     ConfigInfo record;
     record.ruleText = QString::fromStdString(text).toUpper();
+    const DiagnosticCollector silent([](const QString&) {});
     FirstFinding errors;
-    std::unique_ptr<TermStd> term(TermExpression::append_expression(&record, true, &errors));
-    if (term && (!DefinitionNesting(&rules.termsList).isWithinLimits(term.get(), &errors) ||
-                 !term->check_config(&rules.termsList, &errors)))
+    std::unique_ptr<TermStd> term(TermExpression::append_expression(&record, true));
+    if (term && (!DefinitionNesting(&mc->termsList).isWithinLimits(term.get()) ||
+                 !term->check_config(&mc->termsList)))
         term.reset();
     if (!errors.first.text.isEmpty())
         printExpressionError(record.ruleText.simplified(), errors.first);
@@ -131,12 +135,12 @@ std::unique_ptr<TermStd> compile(const MainClass& rules, const std::string& text
 }
 
 // The definition whose data is matched as a text; null after a message.
-TermStd* findDefinition(const MainClass& rules, const std::string& name)
+TermStd* findDefinition(const std::string& name)
 {
     const QString recordName = QString::fromStdString(name).toUpper();
-    const std::vector<TermStd*> definitions = definitionsNamed(rules, recordName);
+    const std::vector<TermStd*> definitions = definitionsNamed(recordName);
     if (definitions.empty()) {
-        printUnknownName(rules, recordName);
+        printUnknownName(recordName);
         return nullptr;
     }
     TermStd* const definition = definitions.front();
@@ -148,14 +152,14 @@ TermStd* findDefinition(const MainClass& rules, const std::string& name)
     return definition;
 }
 
-ExitCode match(const MainClass& rules, const MatchOptions& options)
+ExitCode match(const MatchOptions& options)
 {
     const QString text = QString::fromStdString(options.second ? *options.second : *options.first);
     if (options.expression.empty()) {
-        TermStd* const definition = findDefinition(rules, *options.first);
+        TermStd* const definition = findDefinition(*options.first);
         return definition ? show(definition, text, options.isJson) : ExitCode::NotDone;
     }
-    const std::unique_ptr<TermStd> term = compile(rules, options.expression);
+    const std::unique_ptr<TermStd> term = compile(options.expression);
     return term ? show(term.get(), text, options.isJson) : ExitCode::NotDone;
 }
 
@@ -185,8 +189,6 @@ ExitCode runMatch(const MatchOptions& options)
                        : "match takes a NAME and a TEXT; see adexp match --help");
         return ExitCode::Usage;
     }
-    const LoadedRules rules(options.settings);
-    if (!rules.isLoaded())
-        return rules.status();
-    return worse(rules.status(), match(insideOf(rules.rules()), options));
+    const RuleSet rules(options.settings);
+    return rules.isLoaded() ? worse(rules.status(), match(options)) : rules.status();
 }

@@ -1,11 +1,13 @@
 #include "treecommand.h"
 
+#include "adexpdoc.h"
+#include "adexplib.h"
 #include "commandline.h"
 #include "console.h"
-#include "fieldtree.h"
+#include "conversion.h"
+#include "diagnosticcollector.h"
 #include "inputfile.h"
-#include "loadedrules.h"
-#include "whynotconverted.h"
+#include "mainclass.h"
 
 #include <CLI/CLI.hpp>
 
@@ -19,21 +21,30 @@ constexpr const char* TreeFooter =
     "Example:\n"
     "  adexp tree plan.adexp\n";
 
-ExitCode showTree(const std::string& name, const std::string& message, const adexp::RuleSet& rules)
+void printTree(const AdexpField& root, StandardOutput* out)
 {
-    const adexp::Result result = rules.convert(message, {false, true, true, 0});
-    for (const adexp::Finding finding : result.findings())
-        printError(name, finding.line());
+    const DiagnosticCollector toStandardOutput(
+        [out](const QString& line) { out->write(line.toStdString() + '\n'); });
+    root.dumpData();
+}
+
+ExitCode showTree(const std::string& name, const std::string& message)
+{
+    const DiagnosticCollector diagnostics{std::string_view(name)};
+    AdexpDoc doc(QString::fromUtf8(message.data(), static_cast<int>(message.size())));
+    doc.setRootField(&mc->msgRules);
+    doc.parse();
+
     StandardOutput out;
-    if (const std::optional<adexp::Field> root = result.message())
-        out.write(fieldTree(*root));
+    if (doc.rootField)
+        printTree(*doc.rootField, &out);
     if (!out.flush())
         return ExitCode::NotDone;
-    if (!result.isOk()) {
-        printError(name, "no fields: " + whyNotConverted(result));
+    if (!doc.rootField || !doc.rootField->fieldTerm) {
+        printError(name, "no fields: " + whyNotConverted(message));
         return ExitCode::NotDone;
     }
-    return result.findings().empty() ? ExitCode::Success : ExitCode::WithDiagnostics;
+    return diagnostics.count() == 0 ? ExitCode::Success : ExitCode::WithDiagnostics;
 }
 
 } // namespace
@@ -55,7 +66,6 @@ ExitCode runTree(const TreeOptions& options)
         printError(name, "no fields: " + error);
         return ExitCode::NotDone;
     }
-    const LoadedRules rules(options.settings);
-    return rules.isLoaded() ? worse(rules.status(), showTree(name, message, rules.rules()))
-                            : rules.status();
+    const RuleSet rules(options.settings);
+    return rules.isLoaded() ? worse(rules.status(), showTree(name, message)) : rules.status();
 }

@@ -1,6 +1,6 @@
 #include "rulefile.h"
 
-#include "load/xmllimits.h"
+#include "xmllimits.h"
 
 #include <QDomDocument>
 #include <QFile>

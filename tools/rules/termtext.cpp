@@ -1,6 +1,6 @@
 #include "termtext.h"
 
-#include "grammar/termstd.h"
+#include "termstd.h"
 
 namespace {
 
