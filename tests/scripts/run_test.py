@@ -28,6 +28,7 @@ class Run(Commands):
         (self.outside / "gone").symlink_to("nowhere")
         for arguments, status, reason in (
                 (["--verbose"], 64, "--verbose is no option"),
+                ([""], 64, "is empty"),
                 (["a", "b"], 64, "one file"),
                 (["--", "a", "b"], 64, "one file"),
                 (["missing"], 2, "missing: there is no such file"),
@@ -83,7 +84,9 @@ class Test(Commands):
         self.assertEqual(self.calls(), [])
 
     def test_argument_that_ctest_would_overlook_is_refused(self):
-        self.assert_refused(self.run_script("test", "compiler"), 64, "compiler is no option")
+        for argument in ("compiler", ""):
+            with self.subTest(argument):
+                self.assert_refused(self.run_script("test", argument), 64, f'"{argument}" is no option')
 
     def test_arguments_go_to_ctest(self):
         result = self.run_script("test", "-R", "two words")
