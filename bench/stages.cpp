@@ -3,11 +3,12 @@
 #include "support/converter.h"
 #include "support/messages.h"
 
-#include "adexpdoc.h"
-#include "adexpfield.h"
-#include "adexplib.h"
-#include "mainclass.h"
-#include "termstd.h"
+#include "api/adexplib.h"
+#include "grammar/termstd.h"
+#include "load/mainclass.h"
+#include "message/adexpdoc.h"
+#include "message/adexpfield.h"
+#include "report/linereporter.h"
 
 #include <benchmark/benchmark.h>
 
@@ -15,6 +16,8 @@
 #include <vector>
 
 namespace {
+
+LineReporter lines;
 
 // A text and the definition that it was matched against.
 struct MatchedData
@@ -46,7 +49,7 @@ void split(benchmark::State& state, const std::string& message)
 {
     const QString text = decoded(message);
     for (auto _ : state) {
-        const AdexpDoc document(text);
+        const AdexpDoc document(text, &lines);
         benchmark::DoNotOptimize(document.wordList.size());
     }
 }
@@ -56,7 +59,7 @@ void splitAndParse(benchmark::State& state, const std::string& message)
 {
     const QString text = decoded(message);
     for (auto _ : state) {
-        AdexpDoc document(text);
+        AdexpDoc document(text, &lines);
         document.setRootField(&mc->msgRules);
         document.parse();
         benchmark::DoNotOptimize(document.rootField);
@@ -65,7 +68,7 @@ void splitAndParse(benchmark::State& state, const std::string& message)
 
 void match(benchmark::State& state, const std::string& message)
 {
-    AdexpDoc document(decoded(message));
+    AdexpDoc document(decoded(message), &lines);
     document.setRootField(&mc->msgRules);
     document.parse();
     std::vector<MatchedData> matched;
@@ -78,7 +81,7 @@ void match(benchmark::State& state, const std::string& message)
 
 void write(benchmark::State& state, const std::string& message)
 {
-    AdexpDoc document(decoded(message));
+    AdexpDoc document(decoded(message), &lines);
     document.setRootField(&mc->msgRules);
     document.parse();
     for (auto _ : state)

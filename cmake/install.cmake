@@ -10,7 +10,7 @@ set(data_dir ${CMAKE_INSTALL_DATADIR}/adexp)
 install(TARGETS adexp EXPORT adexp
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
     INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-install(FILES include/adexp.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(FILES include/adexp.h include/adexp.hpp DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(EXPORT adexp NAMESPACE adexp:: FILE adexpConfig.cmake DESTINATION ${package_dir})
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/adexpConfigVersion.cmake
     COMPATIBILITY SameMajorVersion)

@@ -8,7 +8,6 @@ each name, and the reports about the message.
 """
 import csv
 import sys
-import xml.etree.ElementTree as ElementTree
 from pathlib import Path
 
 import adexp
@@ -16,23 +15,17 @@ import adexp
 DEFAULT_FIELDS = ["ARCID", "ADEP", "ADES", "EOBD", "EOBT"]
 
 
-def row(converter: adexp.Converter, message: bytes, fields: list) -> list:
-    try:
-        document = ElementTree.fromstring(converter.convert(message))
-    except adexp.NoDocumentError:
-        return [""] * (1 + len(fields)) + ["; ".join(converter.diagnostics)]
-    data = [document.findtext(f".//{field}", default="") for field in fields]
-    return [document.get("rule"), *data, "; ".join(converter.diagnostics)]
-
-
 def main() -> None:
-    folder, *fields = sys.argv[1:]
-    fields = fields or DEFAULT_FIELDS
+    folder, *names = sys.argv[1:]
+    names = names or DEFAULT_FIELDS
     table = csv.writer(sys.stdout, lineterminator="\n")
-    table.writerow(["file", "title", *fields, "reports"])
-    with adexp.Converter() as converter:
-        for path in sorted(Path(folder).glob("*.adexp")):
-            table.writerow([path.name, *row(converter, path.read_bytes(), fields)])
+    table.writerow(["file", "title", *names, "reports"])
+    rules = adexp.RuleSet()
+    for path in sorted(Path(folder).glob("*.adexp")):
+        result = rules.convert(path.read_bytes(), document=False)
+        reports = "; ".join(finding.report for finding in result.findings)
+        data = [result.get(name) or "" for name in names]
+        table.writerow([path.name, result.title, *data, reports])
 
 
 if __name__ == "__main__":

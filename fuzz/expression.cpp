@@ -6,12 +6,12 @@
 #include "reference/referencematcher.h"
 #include "support/diagnosticcapture.h"
 #include "support/termset.h"
+#include "support/tooutput.h"
 #include "target.h"
 
-#include "findingobserver.h"
-#include "mainclass.h"
-#include "termexpression.h"
-#include "termvariable.h"
+#include "grammar/termexpression.h"
+#include "grammar/termvariable.h"
+#include "load/mainclass.h"
 
 #include <QString>
 #include <QStringList>
@@ -80,12 +80,12 @@ void checkStructure(const TermStd* term)
 }
 
 // The texts of all reports.
-class ReportedTexts : public FindingObserver
+class ReportedTexts : public Reporter
 {
 public:
-    void found(const Finding& finding) override
+    void report(const Finding& finding) override
     {
-        require(finding.type == QtDebugMsg, "no internal error is reported",
+        require(finding.severity != Severity::Internal, "no internal error is reported",
                 finding.text.toStdString());
         m_texts.append(finding.text);
     }
@@ -113,8 +113,8 @@ public:
     void compare(const QString& text)
     {
         const DiagnosticCapture silence;
-        const ReportedTexts reported;
-        const std::unique_ptr<TermStd> term = compileDefinition(m_name, m_expression);
+        ReportedTexts reported;
+        const std::unique_ptr<TermStd> term = compileDefinition(m_name, m_expression, &reported);
         // The nesting that the reference has no limit for.
         if (reported.texts().contains(TermExpression::nestedTooDeepText()))
             return;
@@ -127,7 +127,7 @@ public:
         checkStructure(term.get());
         require(term->dumpData(true) == reference::Grammar().dump(*expected.term, true),
                 "the dump before the check is the one expected");
-        const bool isValid = term->check_config(m_terms.terms());
+        const bool isValid = term->check_config(m_terms.terms(), &reported);
         if (!isSmall(term.get()))
             return;
         require(isValid == m_grammar.isSound(*expected.term, m_name), "it is valid if it should");
@@ -162,7 +162,8 @@ private:
         term->setCompoundField();
         require(!term->isContainsField() && !term->isContainsCompoundField(),
                 "no field is where none was defined");
-        require(term->fieldKind() != FieldKind::Compound, "without fields it is no compound");
+        require(term->fieldKind(&toOutput) != FieldKind::Compound,
+                "without fields it is no compound");
         if (const TermExpression* const expression = asExpression(term)) {
             for (const TermStd* part : expression->ExprList) {
                 const TermStd* const found = term->search_TermField(part->ExprRuleStr);

@@ -13,9 +13,6 @@
 
 #include <CLI/CLI.hpp>
 
-#include <QLoggingCategory>
-#include <QtGlobal>
-
 #include <algorithm>
 #include <array>
 #include <clocale>
@@ -39,24 +36,8 @@ void fillClosedStandardStreams()
             open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
 }
 
-// Reports are debug messages of Qt. The environment (QT_LOGGING_RULES) or the qtlogging.ini of some
-// systems may switch these off, and a message with faults would then look like one without.
-void letReportsThrough()
-{
-    static const QLoggingCategory::CategoryFilter before =
-        QLoggingCategory::installFilter([](QLoggingCategory* category) {
-            if (before)
-                before(category);
-            if (qstrcmp(category->categoryName(), "default") != 0)
-                return;
-            category->setEnabled(QtDebugMsg, true);
-            category->setEnabled(QtCriticalMsg, true);
-        });
-}
-
 void prepareProcess()
 {
-    letReportsThrough();
     fillClosedStandardStreams();
     // A closed pipe and the file size limit become errors of writing. These calls cannot fail.
     static_cast<void>(std::signal(SIGPIPE, SIG_IGN));

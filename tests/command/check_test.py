@@ -39,7 +39,7 @@ def simple_term(name, expression):
 def config_texts():
     """The texts of all findings about rule sets: what goes through tr()."""
     texts = set()
-    for path in SOURCES.glob("*.cpp"):
+    for path in SOURCES.glob("*/*.cpp"):
         if path.name in MESSAGE_SOURCES:
             continue
         source = re.sub(r"//.*", "", path.read_text(encoding="utf-8"))

@@ -5,6 +5,7 @@ Usage of every test file: FILE.py PATH-OF-THE-COMMAND [arguments of unittest]
 
 import ctypes
 import os
+import re
 import shutil
 import subprocess
 import sys
@@ -81,6 +82,12 @@ class CommandTest(unittest.TestCase):
             for capability in (CAP_DAC_OVERRIDE, CAP_DAC_READ_SEARCH):
                 ctypes.CDLL(None).prctl(PR_CAPBSET_DROP, capability, 0, 0, 0)
         return self.convert(*arguments, preexec_fn=drop, **options)
+
+    def skip_with_sanitizers(self):
+        """They keep freed memory for a while, and need address space without a limit."""
+        with open(self.command, "rb") as program:
+            if re.search(b"__[at]san_init", program.read()):
+                self.skipTest("the command is built with a sanitizer")
 
     def assert_ends(self, result, status, *error_texts):
         """The exit status, and what must stand on standard error: nothing without texts."""

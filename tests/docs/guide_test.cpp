@@ -8,9 +8,10 @@
 #include "support/diagnosticcapture.h"
 #include "support/rulefolder.h"
 #include "support/ruleset.h"
+#include "support/tooutput.h"
 
-#include "mainclass.h"
-#include "termexpression.h"
+#include "grammar/termexpression.h"
+#include "load/mainclass.h"
 
 #include <QDomDocument>
 #include <QFile>
@@ -198,7 +199,7 @@ public:
 
         QSettings settings(ini, QSettings::IniFormat);
         const DiagnosticCapture diagnostics;
-        EXPECT_TRUE(converter.readSettingsRules(&settings));
+        EXPECT_TRUE(converter.readSettingsRules(&settings, &toOutput));
         for (const DiagnosticCapture::Line& line : diagnostics.lines())
             reports.append(shortened(line.text));
     }
@@ -209,8 +210,8 @@ public:
         ConfigInfo record;
         record.ruleText = expression;
         const DiagnosticCapture diagnostics;
-        std::unique_ptr<TermStd> term(TermExpression::append_expression(&record, true));
-        if (term && !term->check_config(&converter.termsList))
+        std::unique_ptr<TermStd> term(TermExpression::append_expression(&record, true, &toOutput));
+        if (term && !term->check_config(&converter.termsList, &toOutput))
             term.reset();
         EXPECT_EQ(joined(diagnostics.debugLines()), "") << expression.toStdString();
         return term;
@@ -315,8 +316,8 @@ TEST_P(ConvertBlock, ConvertsAsItSays)
     EXPECT_EQ(joined(rules.reports), "");
 
     const DiagnosticCapture diagnostics;
-    const XmlDocument document =
-        rules.converter.charAdexpToCharXml(sections[QStringLiteral("message")].join(u'\n'));
+    const XmlDocument document = rules.converter.charAdexpToCharXml(
+        sections[QStringLiteral("message")].join(u'\n'), &toOutput);
     EXPECT_EQ(joined(messageElement(document.view())),
               joined(sections[QStringLiteral("document")]));
     QStringList reports;
@@ -346,12 +347,12 @@ TEST_P(FileBlock, LoadsAndKeepsToItsExamples)
         folder.write(QStringLiteral("simple.xml"), GetParam().lines.join(u'\n').toUtf8());
     MainClass converter(nullptr);
     const DiagnosticCapture diagnostics;
-    ASSERT_TRUE(converter.readTermsXMLFile(path, QStringLiteral("simpleTerm"), false));
-    converter.termsList_checkConfig();
+    ASSERT_TRUE(converter.readTermsXMLFile(path, QStringLiteral("simpleTerm"), false, &toOutput));
+    converter.termsList_checkConfig(&toOutput);
     EXPECT_EQ(joined(diagnostics.debugLines()), "");
 
     QDomDocument document;
-    ASSERT_TRUE(converter.ruleDomDocumentsetContent(path, &document));
+    ASSERT_TRUE(converter.ruleDomDocumentsetContent(path, &document, &toOutput));
     int records = 0;
     for (QDomElement record = document.documentElement().firstChildElement(); !record.isNull();
          record = record.nextSiblingElement()) {

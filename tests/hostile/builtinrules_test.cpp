@@ -7,9 +7,9 @@
 #include "support/diagnosticcapture.h"
 
 #include "adexp.h"
-#include "adexplib.h"
-#include "mainclass.h"
-#include "termstd.h"
+#include "api/adexplib.h"
+#include "grammar/termstd.h"
+#include "load/mainclass.h"
 
 #include <QDomDocument>
 #include <QFile>

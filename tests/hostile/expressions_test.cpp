@@ -4,10 +4,11 @@
 
 #include "support/diagnosticcapture.h"
 #include "support/termset.h"
+#include "support/tooutput.h"
 
-#include "mainclass.h"
-#include "matchingsteps.h"
-#include "termexpression.h"
+#include "grammar/match.h"
+#include "grammar/termexpression.h"
+#include "load/mainclass.h"
 
 #include <gtest/gtest.h>
 
@@ -75,7 +76,7 @@ std::int64_t match(const QString& expression, int count, const QString& part, in
 {
     const DiagnosticCapture capture;
     const std::unique_ptr<TermStd> term = compileDefinition(QStringLiteral("T"), expression);
-    EXPECT_TRUE(term->check_config(nullptr));
+    EXPECT_TRUE(term->check_config(nullptr, &toOutput));
     const QString text = part.repeated(count);
     EXPECT_EQ(term->parse(text.constData()), expected);
     return expression.size() + text.size();
@@ -117,13 +118,13 @@ public:
     {
         ConfigInfo record;
         fillRecord(&record, name, text);
-        if (TermStd* const term = TermExpression::append_expression(&record, true))
+        if (TermStd* const term = TermExpression::append_expression(&record, true, &toOutput))
             m_converter.termsList.append(term);
         m_bytes += name.size() + text.size();
     }
     std::int64_t check()
     {
-        m_converter.termsList_checkConfig();
+        m_converter.termsList_checkConfig(&toOutput);
         return m_bytes;
     }
     qsizetype size() const { return m_converter.termsList.size(); }
@@ -241,16 +242,16 @@ TEST_P(HostileNestedRepeats, TakeNoMoreThanTheStepsThatThereAre)
     const NestedRepeat& shape = GetParam();
     const QString text = QString::fromLatin1(shape.text).repeated(300);
     const auto allowed =
-        static_cast<double>(MatchingSteps::AtLeast + MatchingSteps::PerUnit * text.size());
+        static_cast<double>(Match::StepsAtLeast + Match::StepsPerUnit * text.size());
     for (const int levels : {1, 2, 4, 8, 30}) {
         DefinitionSet set;
         TermStd* const term = defineLevels(shape.level, levels, &set);
         ASSERT_NE(term, nullptr);
         bool areExhausted = false;
         const std::int64_t taken = stepsOf([&] {
-            const MatchingSteps steps(text.size());
-            term->parse(text.constData());
-            areExhausted = steps.areExhausted();
+            Match match(text.size(), &toOutput);
+            term->match(text.constData(), &match);
+            areExhausted = match.areStepsExhausted();
         });
         // A repetition tries some terms, and each of them takes some branches.
         EXPECT_LE(static_cast<double>(taken), 60 * allowed) << levels << " levels";
@@ -276,9 +277,9 @@ TEST(HostileMatching, NestedRepeatsThatWasteNothingTakeStepsInProportionToTheTex
         const auto takenFor = [term](int count) {
             const QString text(count, u'A');
             return stepsOf([&] {
-                const MatchingSteps steps(text.size());
-                EXPECT_GT(term->parse(text.constData()), 0);
-                EXPECT_FALSE(steps.areExhausted());
+                Match match(text.size(), &toOutput);
+                EXPECT_GT(term->match(text.constData(), &match), 0);
+                EXPECT_FALSE(match.areStepsExhausted());
             });
         };
         EXPECT_LE(takenFor(10'000), 11 * takenFor(1000));

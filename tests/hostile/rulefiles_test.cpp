@@ -4,9 +4,10 @@
 
 #include "support/diagnosticcapture.h"
 #include "support/rulefolder.h"
+#include "support/tooutput.h"
 
-#include "mainclass.h"
-#include "termstd.h"
+#include "grammar/termstd.h"
+#include "load/mainclass.h"
 
 #include <gtest/gtest.h>
 
@@ -30,7 +31,7 @@ Loaded load(const RuleFolder& folder, const QByteArray& content)
     MainClass converter(nullptr);
     Loaded loaded;
     loaded.isRead = converter.readTermsXMLFile(folder.write(TermFile, content),
-                                               QStringLiteral("simpleTerm"), false);
+                                               QStringLiteral("simpleTerm"), false, &toOutput);
     if (const TermStd* const term = converter.termsList.search(u"A"))
         loaded.ruleText = term->config.ruleText;
     loaded.reports = capture.debugLines();

@@ -66,7 +66,8 @@ class Manual(unittest.TestCase):
 
     def test_the_page_of_the_library_has_all_functions(self):
         text, _ = shown(PAGES / "man3" / "libadexp.3")
-        functions = (ROOT / "tests/library/exported-symbols.txt").read_text(encoding="utf-8").split()
+        symbols = (ROOT / "tests/library/exported-symbols.txt").read_text(encoding="utf-8")
+        functions = re.findall(r"^(\w+)@@", symbols, re.MULTILINE)
         self.assertTrue(functions)
         for function in functions:
             with self.subTest(function):
@@ -78,7 +79,7 @@ class Manual(unittest.TestCase):
         header = (ROOT / "include/adexp.h").read_text(encoding="utf-8")
         text = re.sub(r"\s+", "", shown(PAGES / "man3" / "libadexp.3")[0])
         declarations = re.findall(r"^ADEXP_EXPORT (.*?;)", header, re.MULTILINE | re.DOTALL)
-        self.assertEqual(len(declarations), 4)
+        self.assertGreater(len(declarations), 4)
         for declaration in declarations:
             with self.subTest(declaration):
                 self.assertIn(re.sub(r"\s+", "", declaration), text)

@@ -8,8 +8,8 @@
 #include "support/rulefolder.h"
 #include "support/ruleset.h"
 
-#include "namedlist.h"
-#include "termvariable.h"
+#include "grammar/namedlist.h"
+#include "grammar/termvariable.h"
 
 #include <gtest/gtest.h>
 
@@ -310,15 +310,15 @@ class TermOutOfMemory : public TermStd
 {
 public:
     explicit TermOutOfMemory(const ConfigInfo* record) : TermStd(record) {}
-    int real_parse(const QChar*) override
+    int matchOnce(const QChar*, Match*) const override
     {
-        if (++m_calls == 1)
+        if (++*m_calls == 1)
             throw std::bad_alloc();
         return 1;
     }
 
 private:
-    int m_calls = 0;
+    std::unique_ptr<int> m_calls = std::make_unique<int>(0);
 };
 
 TEST_F(FailingMemory, ReferenceIsMatchedAgainAfterAFailure)

@@ -4,10 +4,11 @@
 // All examples of one record:  adexp_rule_tests --gtest_filter='*/PrimaryField_ADEP'
 
 #include "support/diagnosticcapture.h"
+#include "support/tooutput.h"
 
 #include "examplechecker.h"
-#include "mainclass.h"
-#include "msgrule.h"
+#include "load/mainclass.h"
+#include "message/msgrule.h"
 #include "rulechecker.h"
 #include "rulefile.h"
 
@@ -167,7 +168,7 @@ struct RuleSet
     {
         QSettings settings(SettingsPath, QSettings::IniFormat);
         const DiagnosticCapture diagnostics;
-        isLoaded = converter.readSettingsRules(&settings);
+        isLoaded = converter.readSettingsRules(&settings, &toOutput);
         for (const DiagnosticCapture::Line& line : diagnostics.lines())
             reports.append(line.text);
     }

@@ -1,7 +1,7 @@
 #ifndef FIELDTREE_H
 #define FIELDTREE_H
 
-#include "adexpfield.h"
+#include "message/adexpfield.h"
 #include "support/reports.h"
 
 #include <QString>

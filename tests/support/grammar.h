@@ -1,10 +1,11 @@
 #ifndef GRAMMAR_H
 #define GRAMMAR_H
 
-#include "mainclass.h"
-#include "msgrule.h"
-#include "namedlist.h"
-#include "termexpression.h"
+#include "grammar/namedlist.h"
+#include "grammar/termexpression.h"
+#include "load/mainclass.h"
+#include "message/msgrule.h"
+#include "support/tooutput.h"
 
 #include <QString>
 
@@ -32,10 +33,10 @@ public:
     /// Adds a message rule, after all definitions it needs.
     Grammar& rule(const QString& title, const QString& fields)
     {
-        m_converter.termsList_checkConfig();
+        m_converter.termsList_checkConfig(&toOutput);
         const ConfigInfo item = record(title, fields);
-        auto rule = std::make_unique<MsgRule>(&item, &m_converter);
-        EXPECT_TRUE(rule->check_config(&m_converter.termsList)) << title.toStdString();
+        auto rule = std::make_unique<MsgRule>(&item, &m_converter, &toOutput);
+        EXPECT_TRUE(rule->check_config(&m_converter.termsList, &toOutput)) << title.toStdString();
         m_converter.msgRules.append(rule.release());
         return *this;
     }
@@ -43,9 +44,9 @@ public:
     const RuleList* rules() const { return &m_converter.msgRules; }
 
     /// The term that stands for the field @p name in the first rule; it must be there.
-    TermStd* fieldTerm(const QString& name) const
+    const TermStd* fieldTerm(const QString& name) const
     {
-        TermStd* const term = m_converter.msgRules.at(0)->search_TermField(name);
+        const TermStd* const term = m_converter.msgRules.at(0)->search_TermField(name);
         EXPECT_NE(term, nullptr) << name.toStdString();
         return term;
     }
@@ -62,7 +63,7 @@ private:
     Grammar& define(const QString& name, const QString& expression, bool containsField)
     {
         const ConfigInfo item = record(name, expression);
-        TermStd* const term = TermExpression::append_expression(&item, true);
+        TermStd* const term = TermExpression::append_expression(&item, true, &toOutput);
         EXPECT_NE(term, nullptr) << name.toStdString();
         if (term) {
             term->containsField = containsField;

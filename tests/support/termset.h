@@ -1,9 +1,10 @@
 #ifndef TERMSET_H
 #define TERMSET_H
 
-#include "configinfo.h"
-#include "namedlist.h"
-#include "termexpression.h"
+#include "grammar/namedlist.h"
+#include "grammar/termexpression.h"
+#include "report/configinfo.h"
+#include "support/tooutput.h"
 
 #include <QString>
 #include <QtAlgorithms>
@@ -21,11 +22,12 @@ inline void fillRecord(ConfigInfo* record, const QString& name, const QString& e
 }
 
 /// Compiles an expression text as the definition of `name`; null if it does not compile.
-inline std::unique_ptr<TermStd> compileDefinition(const QString& name, const QString& expression)
+inline std::unique_ptr<TermStd> compileDefinition(const QString& name, const QString& expression,
+                                                  Reporter* reporter = &toOutput)
 {
     ConfigInfo record;
     fillRecord(&record, name, expression);
-    return std::unique_ptr<TermStd>(TermExpression::append_expression(&record, true));
+    return std::unique_ptr<TermStd>(TermExpression::append_expression(&record, true, reporter));
 }
 
 /**

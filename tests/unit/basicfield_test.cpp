@@ -1,11 +1,12 @@
 // Fields with data: where the data ends, and how it is matched against the definition.
 
-#include "adexpdoc.h"
+#include "message/adexpdoc.h"
 
 #include "support/diagnosticcapture.h"
 #include "support/fieldtree.h"
 #include "support/grammar.h"
 #include "support/reports.h"
+#include "support/tooutput.h"
 
 #include <gtest/gtest.h>
 
@@ -34,7 +35,7 @@ protected:
     // The fields below the root of the message, whose text is put behind "-TITLE T ".
     Lines tree(const QString& fields)
     {
-        doc = std::make_unique<AdexpDoc>(QStringLiteral("-TITLE T ") + fields);
+        doc = std::make_unique<AdexpDoc>(QStringLiteral("-TITLE T ") + fields, &toOutput);
         doc->setRootField(grammar.rules());
         doc->parse();
         return treeBelow(*doc->rootField);
@@ -151,7 +152,7 @@ TEST_F(BasicField, BlockWithoutDataIsAccepted)
 
 TEST_F(BasicField, EndsAtItsTextLimitWhenNothingWasRead)
 {
-    AdexpDoc empty{QString()};
+    AdexpDoc empty(QString(), &toOutput);
     AdexpField* const root = empty.createField(&empty, QStringView(u"ARCID"),
                                                grammar.fieldTerm(QStringLiteral("ARCID")));
     root->parseBasicField();

@@ -2,10 +2,11 @@
 
 #include "support/diagnosticcapture.h"
 #include "support/termset.h"
+#include "support/tooutput.h"
 #include "support/utf16text.h"
 
-#include "msgrule.h"
-#include "termexpression.h"
+#include "grammar/termexpression.h"
+#include "message/msgrule.h"
 
 #include <gtest/gtest.h>
 
@@ -603,7 +604,8 @@ TEST(CompilerUnwrap, bracketed_part_of_one_decorated_term_stays_an_expression)
         SCOPED_TRACE(text.toStdString());
         ConfigInfo record;
         fillRecord(&record, QStringLiteral("R"), text);
-        const std::unique_ptr<TermStd> term(TermExpression::append_expression(&record, false));
+        const std::unique_ptr<TermStd> term(
+            TermExpression::append_expression(&record, false, &toOutput));
         ASSERT_TRUE(term);
         EXPECT_EQ(term->type(), 8);
         EXPECT_EQ(term->bracketType, 0);
@@ -616,7 +618,8 @@ TEST(CompilerUnwrap, bracketed_part_of_one_plain_term_is_that_term)
 {
     ConfigInfo record;
     fillRecord(&record, QStringLiteral("R"), QStringLiteral("((A))"));
-    const std::unique_ptr<TermStd> term(TermExpression::append_expression(&record, false));
+    const std::unique_ptr<TermStd> term(
+        TermExpression::append_expression(&record, false, &toOutput));
     ASSERT_TRUE(term);
     EXPECT_EQ(term->type(), 9);
     EXPECT_EQ(term->bracketType, 0);
@@ -627,7 +630,7 @@ TEST(CompilerInvariant, expression_holds_one_operator_less_than_terms)
     ConfigInfo record;
     fillRecord(&record, QStringLiteral("R"), QStringLiteral(" a  b | "));
     DiagnosticCapture diagnostics;
-    const TermExpression broken(&record);
+    const TermExpression broken(&record, &toOutput);
     EXPECT_FALSE(broken.valid);
     EXPECT_EQ(broken.ExprRuleStr, QStringLiteral("a b |"));
     // What was compiled before the error stays: A, the inserted separator and B.
@@ -635,14 +638,14 @@ TEST(CompilerInvariant, expression_holds_one_operator_less_than_terms)
     EXPECT_EQ(broken.OperatorsList, QStringLiteral("!!"));
 
     record.ruleText = QStringLiteral("a|b|c");
-    const TermExpression choice(&record);
+    const TermExpression choice(&record, &toOutput);
     EXPECT_TRUE(choice.valid);
     EXPECT_EQ(choice.ExprList.size(), 3);
     EXPECT_EQ(choice.OperatorsList, QStringLiteral("||"));
     EXPECT_EQ(choice.currentOperator, QChar(u'|'));
 
     record.ruleText = QStringLiteral("a");
-    const TermExpression single(&record);
+    const TermExpression single(&record, &toOutput);
     EXPECT_TRUE(single.valid);
     EXPECT_TRUE(single.OperatorsList.isEmpty());
     EXPECT_TRUE(single.currentOperator.isNull());
@@ -653,16 +656,16 @@ TEST(CompilerInvariant, word_pending_at_a_bracket_error_is_not_among_the_terms)
     ConfigInfo record;
     fillRecord(&record, QStringLiteral("R"), QStringLiteral("A B(C"));
     DiagnosticCapture diagnostics;
-    const TermExpression glued(&record);
+    const TermExpression glued(&record, &toOutput);
     EXPECT_FALSE(glued.valid);
     EXPECT_EQ(glued.ExprList.size(), 1); // A
 
     record.ruleText = QStringLiteral("A 2 {C");
-    const TermExpression beforeBrace(&record);
+    const TermExpression beforeBrace(&record, &toOutput);
     EXPECT_EQ(beforeBrace.ExprList.size(), 1); // A; the 2 may still be a count
 
     record.ruleText = QStringLiteral("A B (C");
-    const TermExpression settledByBlank(&record);
+    const TermExpression settledByBlank(&record, &toOutput);
     EXPECT_EQ(settledByBlank.ExprList.size(), 3); // A, the inserted separator and B
 }
 
@@ -670,7 +673,7 @@ TEST(CompilerInvariant, sub_terms_carry_the_place_of_the_record_and_their_own_te
 {
     ConfigInfo record;
     fillRecord(&record, QStringLiteral("R"), QStringLiteral("a 'x y' {b c}"));
-    const TermExpression expression(&record);
+    const TermExpression expression(&record, &toOutput);
     ASSERT_EQ(expression.ExprList.size(), 4); // A, literal, inserted separator, group
     const QStringList ruleTexts{QStringLiteral("A"), QStringLiteral("X Y"),
                                 QStringLiteral("AUTOSEP"), QStringLiteral("B C")};
@@ -714,10 +717,10 @@ TEST(CompilerFirstTerm, first_term_is_handed_over_by_erasing_it)
 {
     ConfigInfo record;
     fillRecord(&record, QStringLiteral("R"), QStringLiteral("A"));
-    TermExpression expression(&record);
+    TermExpression expression(&record, &toOutput);
     const std::unique_ptr<TermStd> first(expression.get_first_term());
     ASSERT_TRUE(first);
-    expression.erase_first_term();
+    expression.erase_first_term(&toOutput);
     EXPECT_EQ(expression.get_first_term(), nullptr);
     EXPECT_EQ(first->ExprRuleStr, QStringLiteral("A")); // still alive: the caller owns it now
 }
@@ -727,9 +730,9 @@ TEST(CompilerFirstTerm, erasing_from_an_empty_expression_is_an_internal_error)
     ConfigInfo record;
     fillRecord(&record, QStringLiteral("R"), QString());
     DiagnosticCapture diagnostics;
-    TermExpression expression(&record);
+    TermExpression expression(&record, &toOutput);
     diagnostics.clear();
-    expression.erase_first_term();
+    expression.erase_first_term(&toOutput);
     ASSERT_EQ(diagnostics.lines().size(), 1u);
     EXPECT_EQ(diagnostics.lines()[0].type, QtCriticalMsg);
     EXPECT_EQ(diagnostics.lines()[0].text.trimmed().toStdString(),
@@ -740,7 +743,7 @@ TEST(CompilerStandardTerm, keywords_are_looked_up_exactly)
 {
     ConfigInfo record;
     fillRecord(&record, QStringLiteral("R"), QStringLiteral("A"));
-    const TermExpression expression(&record);
+    const TermExpression expression(&record, &toOutput);
     const QStringList keywords{QStringLiteral("CHARACTER"), QStringLiteral("ALPHANUM"),
                                QStringLiteral("ALPHA"),     QStringLiteral("DIGIT"),
                                QStringLiteral("SEP"),       QStringLiteral("NIL"),

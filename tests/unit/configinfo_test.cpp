@@ -2,9 +2,10 @@
 
 #include "support/reports.h"
 #include "support/termset.h"
+#include "support/tooutput.h"
 
-#include "configinfo.h"
-#include "termexpression.h"
+#include "grammar/termexpression.h"
+#include "report/configinfo.h"
 
 #include <QDomDocument>
 
@@ -123,7 +124,8 @@ TEST(ConfigErrorMessage, IsHeadRuleTextAndMessageEachQuotedAndFollowedByABlank)
     const TermStd term(TermTypeDigit, &item);
 
     const DiagnosticCapture diagnostics;
-    term.configErrorMessage(QStringLiteral("term list is empty"));
+    term.configErrorMessage(ADEXP_CODE_EMPTY_EXPRESSION, QStringLiteral("term list is empty"),
+                            &toOutput);
 
     EXPECT_EQ(linesOf(diagnostics),
               Lines{"\"element (FL_LEVEL) file simple.xml line 12, column 5: \" "
@@ -134,7 +136,8 @@ TEST(ConfigErrorMessage, IsOfSeverityDebug)
 {
     const ConfigInfo item;
     const DiagnosticCapture diagnostics;
-    TermStd(TermTypeDigit, &item).configErrorMessage(QStringLiteral("text"));
+    TermStd(TermTypeDigit, &item)
+        .configErrorMessage(ADEXP_CODE_EMPTY_EXPRESSION, QStringLiteral("text"), &toOutput);
     ASSERT_EQ(diagnostics.lines().size(), 1U);
     EXPECT_EQ(diagnostics.lines().front().type, QtDebugMsg);
 }
@@ -146,7 +149,7 @@ TEST(ConfigErrorMessage, DoesNotEscapeQuotesBackslashesOrLetters)
     const TermStd term(TermTypeDigit, &item);
 
     const DiagnosticCapture diagnostics;
-    term.configErrorMessage(QStringLiteral(u"say \"Г\""));
+    term.configErrorMessage(ADEXP_CODE_EMPTY_EXPRESSION, QStringLiteral(u"say \"Г\""), &toOutput);
 
     EXPECT_EQ(linesOf(diagnostics),
               Lines{"\"element (N\"M) file a\"b.xml line 1, column 1: \" \"'\"' \\n\" "
@@ -158,7 +161,7 @@ TEST(ConfigErrorMessage, OfEmptyRecordHasEmptyPieces)
     const ConfigInfo item;
     const TermStd term(TermTypeDigit, &item);
     const DiagnosticCapture diagnostics;
-    term.configErrorMessage(QString());
+    term.configErrorMessage(ADEXP_CODE_EMPTY_EXPRESSION, QString(), &toOutput);
     EXPECT_EQ(linesOf(diagnostics), Lines{"\"elementfile  line 0, column 0: \" \"\" \"\" "});
 }
 

@@ -1,9 +1,10 @@
 // The cursor over the words of a message.
 
-#include "adexpdoc.h"
+#include "message/adexpdoc.h"
 
 #include "support/diagnosticcapture.h"
 #include "support/reports.h"
+#include "support/tooutput.h"
 
 #include <gtest/gtest.h>
 
@@ -27,7 +28,7 @@ Lines critical(const std::string& signature, const std::string& condition)
 // A document with its reports.
 struct Cursor
 {
-    explicit Cursor(const QString& message) : doc(message) {}
+    explicit Cursor(const QString& message) : doc(message, &toOutput) {}
 
     // The index of the word at the cursor.
     int index() const { return static_cast<int>(doc.currWordListIt - doc.wordList.cbegin()); }

@@ -3,11 +3,12 @@
 #include "support/diagnosticcapture.h"
 #include "support/grammar.h"
 #include "support/smallstack.h"
+#include "support/tooutput.h"
 
-#include "adexpdoc.h"
-#include "definitionnesting.h"
-#include "mainclass.h"
-#include "termexpression.h"
+#include "grammar/definitionnesting.h"
+#include "grammar/termexpression.h"
+#include "load/mainclass.h"
+#include "message/adexpdoc.h"
 
 #include <gtest/gtest.h>
 
@@ -22,7 +23,7 @@ void define(MainClass* converter, const QString& name, const QString& text)
     record.setXMLFile(QStringLiteral("simple.xml"));
     record.recordName = name;
     record.ruleText = text;
-    TermStd* const term = TermExpression::append_expression(&record, true);
+    TermStd* const term = TermExpression::append_expression(&record, true, &toOutput);
     ASSERT_NE(term, nullptr) << name.toStdString();
     converter->termsList.append(term);
 }
@@ -53,7 +54,8 @@ bool compiles(const QString& text)
 {
     ConfigInfo record;
     record.ruleText = text;
-    const std::unique_ptr<TermStd> term(TermExpression::append_expression(&record, true));
+    const std::unique_ptr<TermStd> term(
+        TermExpression::append_expression(&record, true, &toOutput));
     return term != nullptr;
 }
 
@@ -98,14 +100,14 @@ TEST(DefinitionNesting, AChainOfReferencesUpToTheLimitMatches)
             const DiagnosticCapture capture;
             MainClass converter(nullptr);
             defineChain(&converter, TermExpression::MaxNesting + 1, lastFirst);
-            converter.termsList_checkConfig();
+            converter.termsList_checkConfig(&toOutput);
             EXPECT_TRUE(capture.lines().empty());
             TermStd* const first = converter.termsList.search(numbered(0));
             ASSERT_NE(first, nullptr);
             const QString text = QStringLiteral("7");
             EXPECT_EQ(first->parse(text.constData()), 1);
             EXPECT_EQ(first->calculateOfLengthData(true), 1);
-            EXPECT_FALSE(first->isCharacterNoLimit());
+            EXPECT_FALSE(first->isCharacterNoLimit(&toOutput));
             EXPECT_FALSE(first->dumpData(true).isEmpty());
         });
     }
@@ -120,7 +122,7 @@ TEST(DefinitionNesting, OfALongerChainThoseWithinTheLimitStay)
             DiagnosticCapture capture;
             MainClass converter(nullptr);
             defineChain(&converter, Length, lastFirst);
-            converter.termsList_checkConfig();
+            converter.termsList_checkConfig(&toOutput);
             constexpr int kept = TermExpression::MaxNesting + 1;
             EXPECT_EQ(converter.termsList.size(), kept);
             EXPECT_EQ(capture.lines().size(), size_t{2} * (Length - kept));
@@ -151,7 +153,7 @@ TEST(DefinitionNesting, TheDeepestTreeOfFieldsIsConvertedWithLittleStack)
                 ends.prepend(QLatin1String(" -END ") + numbered(i));
             }
             grammar.rule(QStringLiteral("DEEP"), numbered(0));
-            AdexpDoc doc(message + QLatin1String(" 7") + (isBlock ? ends : QString()));
+            AdexpDoc doc(message + QLatin1String(" 7") + (isBlock ? ends : QString()), &toOutput);
             doc.setRootField(grammar.rules());
             doc.parse();
             const std::string document(doc.toXMLString().view());
@@ -173,7 +175,7 @@ TEST(DefinitionNesting, BracketsAndReferencesCountTogether)
     define(&converter, QStringLiteral("INNER"), nestedBrackets(70));
     define(&converter, QStringLiteral("OUTER"),
            nestedBrackets(70).replace(QLatin1Char('B'), QStringLiteral("INNER")));
-    converter.termsList_checkConfig();
+    converter.termsList_checkConfig(&toOutput);
     EXPECT_EQ(capture.reportedTexts(), (QStringList{TooDeep, Removed}));
     EXPECT_NE(converter.termsList.search(QStringLiteral("INNER")), nullptr);
     EXPECT_EQ(converter.termsList.search(QStringLiteral("OUTER")), nullptr);
@@ -187,7 +189,7 @@ TEST(DefinitionNesting, ALoopLongerThanTheLimitTakesNoMoreStackThanAShortOne)
         MainClass converter(nullptr);
         for (int i = 0; i < Length; ++i)
             define(&converter, numbered(i), numbered((i + 1) % Length));
-        converter.termsList_checkConfig();
+        converter.termsList_checkConfig(&toOutput);
         EXPECT_TRUE(capture.reportedTexts().contains(TooDeep));
         for (const TermStd* term : converter.termsList)
             EXPECT_FALSE(term->valid);
@@ -221,7 +223,7 @@ TEST(DefinitionNesting, ASmallTangleOfLoopsIsReportedAsLoopsOnly)
     MainClass converter(nullptr);
     define(&converter, QStringLiteral("X"), QStringLiteral("DIGIT"));
     defineTangle(&converter, 15, QStringLiteral("X"));
-    converter.termsList_checkConfig();
+    converter.termsList_checkConfig(&toOutput);
     EXPECT_FALSE(containsTangled(capture));
     EXPECT_FALSE(capture.reportedTexts().contains(TooDeep));
 }
@@ -234,7 +236,7 @@ TEST(DefinitionNesting, WhatALargeTangleOfLoopsRefersToStaysInUse)
         defineTangle(&converter, 40, QStringLiteral("SOUND"));
         define(&converter, QStringLiteral("SOUND"), QStringLiteral("X ! X"));
         define(&converter, QStringLiteral("X"), QStringLiteral("DIGIT"));
-        converter.termsList_checkConfig();
+        converter.termsList_checkConfig(&toOutput);
         EXPECT_TRUE(containsTangled(capture));
         TermStd* const sound = converter.termsList.search(QStringLiteral("SOUND"));
         ASSERT_NE(sound, nullptr);
@@ -256,7 +258,7 @@ TEST(DefinitionNesting, AVeryLargeTangleOfLoopsDoesNotTakeTheStack)
         define(&converter, QStringLiteral("A"), names.join(QLatin1Char(' ')));
         for (const QString& name : names)
             define(&converter, name, QStringLiteral("A"));
-        converter.termsList_checkConfig();
+        converter.termsList_checkConfig(&toOutput);
         EXPECT_TRUE(containsTangled(capture));
         for (const TermStd* term : converter.termsList)
             EXPECT_FALSE(term->valid);
@@ -278,7 +280,7 @@ TEST(DefinitionNesting, DoublingsAreRefusedFromTheOneThatComesToTooManyTerms)
     constexpr int Count = 100; // without the limit, checking the last one would never end
     constexpr int Kept = 15;   // T14 has 65533 terms
     defineDoublings(&converter, Count);
-    converter.termsList_checkConfig();
+    converter.termsList_checkConfig(&toOutput);
     EXPECT_EQ(converter.termsList.size(), Kept);
     EXPECT_NE(converter.termsList.search(numbered(Kept - 1)), nullptr);
     // The next one is refused for its size, and each one after it because the one before is

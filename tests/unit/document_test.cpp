@@ -1,8 +1,9 @@
 // A message cut into words.
 
-#include "adexpdoc.h"
+#include "message/adexpdoc.h"
 
 #include "support/diagnosticcapture.h"
+#include "support/tooutput.h"
 
 #include <gtest/gtest.h>
 
@@ -27,33 +28,33 @@ Words wordsOf(const AdexpDoc& doc)
 
 Words wordsOf(const QString& text)
 {
-    return wordsOf(AdexpDoc(text));
+    return wordsOf(AdexpDoc(text, &toOutput));
 }
 
 TEST(Document, PositionsCountWithoutCarriageReturns)
 {
-    const AdexpDoc doc(QStringLiteral("-TITLE IFPL\r\n-ARCID ABC"));
+    const AdexpDoc doc(QStringLiteral("-TITLE IFPL\r\n-ARCID ABC"), &toOutput);
     EXPECT_EQ(wordsOf(doc), (Words{{"-TITLE", 0}, {"IFPL", 7}, {"-ARCID", 12}, {"ABC", 19}}));
     EXPECT_EQ(doc.msgParam.text, QStringLiteral("-TITLE IFPL\n-ARCID ABC"));
 }
 
 TEST(Document, CarriageReturnsGoWhereverTheyStand)
 {
-    const AdexpDoc doc(QStringLiteral("\rA\r\rB\r C\r"));
+    const AdexpDoc doc(QStringLiteral("\rA\r\rB\r C\r"), &toOutput);
     EXPECT_EQ(doc.msgParam.text, QStringLiteral("AB C"));
     EXPECT_EQ(wordsOf(doc), (Words{{"AB", 0}, {"C", 3}}));
 }
 
 TEST(Document, EmptyTextHasNoWords)
 {
-    const AdexpDoc doc{QString()};
+    const AdexpDoc doc{QString(), &toOutput};
     EXPECT_TRUE(doc.wordList.empty());
     EXPECT_TRUE(doc.currWordListIt == doc.wordList.cend());
 }
 
 TEST(Document, TextOfSeparatorsHasNoWords)
 {
-    const AdexpDoc doc(QStringLiteral(" \n\t\r\n "));
+    const AdexpDoc doc(QStringLiteral(" \n\t\r\n "), &toOutput);
     EXPECT_TRUE(doc.wordList.empty());
     EXPECT_TRUE(doc.currWordListIt == doc.wordList.cend());
     EXPECT_TRUE(doc.lastFieldWordListIt == doc.wordList.cend());
@@ -89,7 +90,7 @@ TEST(Document, OtherWhiteSpaceIsPartOfAWord)
 
 TEST(Document, NullCharacterIsPartOfAWord)
 {
-    const AdexpDoc doc(QString(u'A') + QChar() + u'B');
+    const AdexpDoc doc(QString(u'A') + QChar() + u'B', &toOutput);
     ASSERT_EQ(doc.wordList.size(), 1u);
     EXPECT_EQ(doc.wordList.front().size, 3u);
 }
@@ -125,7 +126,7 @@ TEST(Document, WordsAreTheSameAtAnyPlace)
             QString text;
             for (int i = 0; i < length; ++i)
                 text += characters.at(static_cast<int>(std::min(random() % choice, 7ul)));
-            const AdexpDoc doc(text);
+            const AdexpDoc doc(text, &toOutput);
             ASSERT_EQ(wordsOf(doc), wordsByReading(text)) << text.toStdString();
             for (const DocWord& word : doc.wordList)
                 ASSERT_EQ(word.isField, text.at(word.beginPoint) == u'-') << text.toStdString();
@@ -135,7 +136,7 @@ TEST(Document, WordsAreTheSameAtAnyPlace)
 
 TEST(Document, WordKnowsItsEnd)
 {
-    const AdexpDoc doc(QStringLiteral(" -TITLE IFPL"));
+    const AdexpDoc doc(QStringLiteral(" -TITLE IFPL"), &toOutput);
     EXPECT_EQ(doc.wordList.at(0).endPoint(), 7);
     EXPECT_EQ(doc.wordList.at(1).endPoint(), 12);
     EXPECT_TRUE(doc.wordList.at(0).isField);
@@ -145,7 +146,7 @@ TEST(Document, WordKnowsItsEnd)
 TEST(Document, StartsValidAtTheFirstWordAndWithoutRootAndHeader)
 {
     const DiagnosticCapture diagnostics;
-    const AdexpDoc doc(QStringLiteral("-TITLE IFPL"));
+    const AdexpDoc doc(QStringLiteral("-TITLE IFPL"), &toOutput);
     EXPECT_TRUE(doc.isValid);
     EXPECT_TRUE(doc.currWordListIt == doc.wordList.cbegin());
     EXPECT_TRUE(doc.lastFieldWordListIt == doc.wordList.cbegin());

@@ -1,6 +1,7 @@
-#include "adexpdoc.h"
+#include "message/adexpdoc.h"
 
 #include "support/diagnosticcapture.h"
+#include "support/tooutput.h"
 
 #include <gtest/gtest.h>
 
@@ -54,7 +55,7 @@ struct Answer
 // Compares both searches from every word, for every name, with limits at and beside every word.
 void compareSearches(const QString& text)
 {
-    AdexpDoc doc(text);
+    AdexpDoc doc(text, &toOutput);
     for (auto cursor = doc.wordList.cbegin(); cursor != doc.wordList.cend(); ++cursor) {
         doc.currWordListIt = doc.lastFieldWordListIt = cursor;
         for (const char* name : {"A", "-END", "-", "END", "-A", "X"}) {

@@ -3,11 +3,12 @@
 #include "support/reports.h"
 #include "support/rulefolder.h"
 #include "support/ruleset.h"
+#include "support/tooutput.h"
 
 #include "adexp.h"
-#include "adexplib.h"
-#include "mainclass.h"
-#include "msgrule.h"
+#include "api/adexplib.h"
+#include "load/mainclass.h"
+#include "message/msgrule.h"
 
 #include <gtest/gtest.h>
 
@@ -418,7 +419,7 @@ class WatchedRule : public MsgRule
 {
 public:
     WatchedRule(const ConfigInfo* record, const char* name, Lines* log)
-        : MsgRule(record, nullptr), m_witness(name, log)
+        : MsgRule(record, nullptr, &toOutput), m_witness(name, log)
     {
     }
 

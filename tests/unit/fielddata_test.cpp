@@ -1,11 +1,12 @@
 // The data of a field as one text.
 
-#include "adexpdoc.h"
-#include "adexpfield.h"
+#include "message/adexpdoc.h"
+#include "message/adexpfield.h"
 
 #include "support/diagnosticcapture.h"
 #include "support/grammar.h"
 #include "support/reports.h"
+#include "support/tooutput.h"
 
 #include <gtest/gtest.h>
 
@@ -53,7 +54,7 @@ protected:
 
     Grammar grammar;
     DiagnosticCapture diagnostics;
-    AdexpDoc doc{QString()};
+    AdexpDoc doc{QString(), &toOutput};
 };
 
 TEST_F(FieldData, OfAFieldWithoutTermIsItsOwn)

@@ -1,11 +1,12 @@
 // The dump of a tree of fields.
 
-#include "adexpdoc.h"
-#include "adexpfield.h"
+#include "message/adexpdoc.h"
+#include "message/adexpfield.h"
 
 #include "support/diagnosticcapture.h"
 #include "support/grammar.h"
 #include "support/reports.h"
+#include "support/tooutput.h"
 
 #include <gtest/gtest.h>
 
@@ -22,9 +23,9 @@ protected:
         grammar.rule(QStringLiteral("T"), QStringLiteral("ARCID PT"));
     }
 
-    AdexpField* root(TermStd* term) { return doc.createField(&doc, QStringView(u"T"), term); }
+    AdexpField* root(const TermStd* term) { return doc.createField(&doc, QStringView(u"T"), term); }
 
-    AdexpField* add(AdexpField* parent, QStringView name, TermStd* term, QStringView data)
+    AdexpField* add(AdexpField* parent, QStringView name, const TermStd* term, QStringView data)
     {
         AdexpField* const field = doc.createField(parent, term, name, -1, -1);
         field->fieldData = data;
@@ -41,7 +42,7 @@ protected:
 
     Grammar grammar;
     DiagnosticCapture diagnostics;
-    AdexpDoc doc{QString()};
+    AdexpDoc doc{QString(), &toOutput};
 };
 
 TEST_F(FieldDump, FieldWithoutSubFieldsIsOneLine)
@@ -55,7 +56,7 @@ TEST_F(FieldDump, FieldWithoutSubFieldsIsOneLine)
 TEST_F(FieldDump, SubFieldsAreIndentedBetweenBeginAndEnd)
 {
     AdexpField* const field = root(grammar.rules()->at(0));
-    TermStd* const term = grammar.fieldTerm(QStringLiteral("ARCID"));
+    const TermStd* const term = grammar.fieldTerm(QStringLiteral("ARCID"));
     add(field, u"ARCID", term, u"ABC");
     add(field, u"ARCID", term, u"");
     EXPECT_EQ(dump(*field), (Lines{"T  ", "++ Begin sub fields for T ++ ", "   ARCID ABC ",

@@ -1,13 +1,14 @@
 // The tree of fields: construction, look-ups, items of lists, and the parsing of compounds and
 // blocks.
 
-#include "adexpdoc.h"
-#include "adexpfield.h"
+#include "message/adexpdoc.h"
+#include "message/adexpfield.h"
 
 #include "support/diagnosticcapture.h"
 #include "support/fieldtree.h"
 #include "support/grammar.h"
 #include "support/reports.h"
+#include "support/tooutput.h"
 
 #include <gtest/gtest.h>
 
@@ -32,16 +33,16 @@ protected:
     // The fields below the root of the message, whose text is put behind "-TITLE IFPL ".
     Lines tree(const QString& fields)
     {
-        doc = std::make_unique<AdexpDoc>(QStringLiteral("-TITLE IFPL ") + fields);
+        doc = std::make_unique<AdexpDoc>(QStringLiteral("-TITLE IFPL ") + fields, &toOutput);
         doc->setRootField(grammar.rules());
         doc->parse();
         return treeBelow(*doc->rootField);
     }
 
     // A field of `term` over a document of its own.
-    AdexpField* rootOf(const QString& text, QStringView name, TermStd* term)
+    AdexpField* rootOf(const QString& text, QStringView name, const TermStd* term)
     {
-        doc = std::make_unique<AdexpDoc>(text);
+        doc = std::make_unique<AdexpDoc>(text, &toOutput);
         return doc->createField(doc.get(), name, term);
     }
 
@@ -85,7 +86,7 @@ TEST_F(FieldConstruction, RootReachesOverTheWholeText)
 TEST_F(FieldConstruction, ChildTakesItsLimits)
 {
     AdexpField* const root = rootOf(QStringLiteral("0123456789"), u"T", nullptr);
-    TermStd* const term = grammar.fieldTerm(QStringLiteral("ADDR"));
+    const TermStd* const term = grammar.fieldTerm(QStringLiteral("ADDR"));
     const AdexpField& child = *doc->createField(root, term, QStringView(u"ADDR"), 7, 5);
     expectFresh(child);
     EXPECT_EQ(child.doc, doc.get());
@@ -169,13 +170,13 @@ TEST_F(FieldItems, FieldThatIsNoListHasNone)
 
 TEST_F(FieldItems, FirstRequiredFieldOpensTheNextOne)
 {
-    TermStd* const list = grammar.fieldTerm(QStringLiteral("PT"));
-    TermStd* const first = list->search_TermField(u"PTID");
-    TermStd* const second = list->search_TermField(u"FL");
+    const TermStd* const list = grammar.fieldTerm(QStringLiteral("PT"));
+    const TermStd* const first = list->search_TermField(u"PTID");
+    const TermStd* const second = list->search_TermField(u"FL");
     AdexpField* const root = rootOf(QString(), u"PT", list);
     root->isList = true;
     QList<int> items;
-    for (TermStd* term : {second, first, second, first, first, second}) {
+    for (const TermStd* term : {second, first, second, first, first, second}) {
         AdexpField* const sub = doc->createField(root, term, QStringView(u"X"), -1, -1);
         root->subFieldsListAppend(sub);
         items.append(sub->itemIndex);
@@ -199,7 +200,7 @@ TEST_F(FieldItems, ListWithoutTermHasOne)
 {
     AdexpField* const root = rootOf(QString(), u"ADDR", nullptr);
     root->isList = true;
-    TermStd* const term = grammar.fieldTerm(QStringLiteral("ARCID"));
+    const TermStd* const term = grammar.fieldTerm(QStringLiteral("ARCID"));
     for (int i = 0; i < 3; ++i) {
         root->subFieldsListAppend(doc->createField(root, term, QStringView(u"X"), -1, -1));
         EXPECT_EQ(root->subFields.back()->itemIndex, 1);

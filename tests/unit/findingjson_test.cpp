@@ -1,28 +1,25 @@
 // Findings as lines of JSON.
 
 #include "findingjson.h"
-#include "findingobserver.h"
-
-#include <QJsonObject>
 
 #include <gtest/gtest.h>
 
 namespace {
 
-std::string lineOf(const Finding& finding)
+std::string lineOf(const FindingFacts& finding)
 {
     return jsonLine(findingJson(finding));
 }
 
 TEST(FindingJson, OfARuleSetHasItsPlaceAndDefinition)
 {
-    Finding finding;
+    FindingFacts finding;
     finding.text = QStringLiteral("term in \"\" empty");
     finding.detail = QStringLiteral("A\tB");
-    finding.record.xmlFile = QStringLiteral("terms.xml");
-    finding.record.lineNumber = 3;
-    finding.record.columnNumber = 7;
-    finding.record.recordName = QStringLiteral("FL");
+    finding.file = QStringLiteral("terms.xml");
+    finding.line = 3;
+    finding.column = 7;
+    finding.name = QStringLiteral("FL");
     finding.begin = 5;
     EXPECT_EQ(lineOf(finding), "{\"column\":7,\"detail\":\"A\\tB\",\"file\":\"terms.xml\","
                                "\"line\":3,\"name\":\"FL\",\"severity\":\"error\","
@@ -31,8 +28,8 @@ TEST(FindingJson, OfARuleSetHasItsPlaceAndDefinition)
 
 TEST(FindingJson, OfAMessageHasItsStretch)
 {
-    Finding finding;
-    finding.severity = Severity::Warning;
+    FindingFacts finding;
+    finding.isWarning = true;
     finding.text = QStringLiteral("ignore word");
     finding.detail = QStringLiteral("Q\n\u007f\u009b\u202e");
     finding.begin = 0;
@@ -43,7 +40,7 @@ TEST(FindingJson, OfAMessageHasItsStretch)
 
 TEST(FindingJson, WithoutAPlaceHasNone)
 {
-    Finding finding;
+    FindingFacts finding;
     finding.text = QStringLiteral("x");
     EXPECT_EQ(lineOf(finding), "{\"severity\":\"error\",\"text\":\"x\"}\n");
 }

@@ -2,9 +2,10 @@
 // them.
 
 #include "support/diagnosticcapture.h"
+#include "support/tooutput.h"
 
-#include "termexpression.h"
-#include "termvariable.h"
+#include "grammar/termexpression.h"
+#include "grammar/termvariable.h"
 
 #include <gtest/gtest.h>
 
@@ -49,8 +50,8 @@ TEST(InternalErrorLines, UnresolvedReference)
     const DiagnosticCapture capture;
     EXPECT_EQ(variable.parse(QStringLiteral("A").constData()), 0);
     EXPECT_EQ(variable.calculateOfLengthData(true), 0);
-    EXPECT_FALSE(variable.isCharacterNoLimit());
-    EXPECT_FALSE(variable.isFirstRequiredField(&variable));
+    EXPECT_FALSE(variable.isCharacterNoLimit(&toOutput));
+    EXPECT_FALSE(variable.isFirstRequiredField(&variable, &toOutput));
     EXPECT_EQ(
         capture.criticalLines(),
         (QStringList{
@@ -68,9 +69,9 @@ TEST(InternalErrorLines, ExpressionWithoutTheTermsItNeeds)
     QStringList lines;
     {
         const DiagnosticCapture capture;
-        TermExpression expression(&record);
-        expression.erase_first_term();
-        EXPECT_FALSE(expression.isFirstRequiredField(&expression));
+        TermExpression expression(&record, &toOutput);
+        expression.erase_first_term(&toOutput);
+        EXPECT_FALSE(expression.isFirstRequiredField(&expression, &toOutput));
         lines = capture.criticalLines();
     }
     EXPECT_EQ(lines,
@@ -83,7 +84,7 @@ TEST(InternalErrorLines, ExpressionWithoutTheTermsItNeeds)
 TEST(InternalErrorLines, ExpressionWithTooFewOperators)
 {
     const ConfigInfo record = recordOf("DIGIT ! ALPHA");
-    TermExpression expression(&record);
+    TermExpression expression(&record, &toOutput);
     expression.OperatorsList.clear();
     const DiagnosticCapture capture;
     EXPECT_EQ(expression.dumpData(true),

@@ -1,6 +1,6 @@
 // Memory in large blocks: the kernel is asked for large pages where they fit, and nowhere else.
 
-#include "largememory.h"
+#include "output/largememory.h"
 
 #include <gtest/gtest.h>
 
@@ -80,11 +80,12 @@ TEST_F(LargePages, AreNotAskedForBelowFourMegabytes)
     EXPECT_FALSE(isMarked(aligned));
 }
 
-TEST(LargeMemoryHeap, IsOneForTheProcessAndEqualToItselfOnly)
+TEST(LargeMemoryHeap, IsEqualToItselfOnly)
 {
-    EXPECT_EQ(LargeMemory::heap(), LargeMemory::heap());
-    EXPECT_TRUE(LargeMemory::heap()->is_equal(*LargeMemory::heap()));
-    EXPECT_FALSE(LargeMemory::heap()->is_equal(*std::pmr::new_delete_resource()));
+    const LargeMemory heap;
+    EXPECT_TRUE(heap.is_equal(heap));
+    EXPECT_FALSE(heap.is_equal(LargeMemory()));
+    EXPECT_FALSE(heap.is_equal(*std::pmr::new_delete_resource()));
 }
 
 } // namespace

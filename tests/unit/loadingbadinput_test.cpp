@@ -5,11 +5,12 @@
 #include "support/reports.h"
 #include "support/rulefolder.h"
 #include "support/ruleset.h"
+#include "support/tooutput.h"
 
 #include "adexp.h"
-#include "adexplib.h"
-#include "mainclass.h"
-#include "msgrule.h"
+#include "api/adexplib.h"
+#include "load/mainclass.h"
+#include "message/msgrule.h"
 
 #include <QSettings>
 
@@ -78,8 +79,8 @@ protected:
     // Expects that neither loader reads @p path, and that both report @p text.
     void expectRefused(const QString& path, const QString& text)
     {
-        EXPECT_FALSE(converter.readTermsXMLFile(path, SimpleTag, false));
-        EXPECT_FALSE(converter.readMsgRulesXMLFile(path));
+        EXPECT_FALSE(converter.readTermsXMLFile(path, SimpleTag, false, &toOutput));
+        EXPECT_FALSE(converter.readMsgRulesXMLFile(path, &toOutput));
         EXPECT_EQ(converter.termsList.size(), 0);
         EXPECT_EQ(converter.msgRules.size(), 0);
         EXPECT_EQ(linesOf(diagnostics),
@@ -173,8 +174,8 @@ TEST_P(DoubtfulRuleFiles, AreRefusedIfThisQtRefusesThem)
         expectRefused(path, error);
         return;
     }
-    EXPECT_TRUE(converter.readTermsXMLFile(path, SimpleTag, false));
-    EXPECT_TRUE(converter.readMsgRulesXMLFile(path));
+    EXPECT_TRUE(converter.readTermsXMLFile(path, SimpleTag, false, &toOutput));
+    EXPECT_TRUE(converter.readMsgRulesXMLFile(path, &toOutput));
     for (const std::string& line : linesOf(diagnostics))
         EXPECT_EQ(line.find("Parse error"), std::string::npos) << line;
 }
@@ -197,7 +198,7 @@ class ReadableRuleFiles : public BadRuleFiles, public testing::WithParamInterfac
 TEST_P(ReadableRuleFiles, LoadTheirRecord)
 {
     const QString path = folder.write(QStringLiteral("terms.xml"), GetParam().content);
-    EXPECT_TRUE(converter.readTermsXMLFile(path, SimpleTag, false));
+    EXPECT_TRUE(converter.readTermsXMLFile(path, SimpleTag, false, &toOutput));
     EXPECT_EQ(linesOf(diagnostics), Lines{});
     ASSERT_EQ(termNames(), Lines{"FL"});
     EXPECT_EQ(converter.termsList.at(0)->config.ruleText.toStdString(), "'F' {DIGIT}3");
@@ -246,7 +247,7 @@ TEST_P(CyrillicEncodings, AreReadIfThisQtReadsThem)
         expectRefused(path, error);
         return;
     }
-    EXPECT_TRUE(converter.readTermsXMLFile(path, SimpleTag, false));
+    EXPECT_TRUE(converter.readTermsXMLFile(path, SimpleTag, false, &toOutput));
     EXPECT_EQ(linesOf(diagnostics), Lines{});
     ASSERT_EQ(converter.termsList.size(), 1);
     EXPECT_EQ(termNames(), Lines{"\u0422"}); // the capital letter Te
@@ -270,7 +271,7 @@ TEST_F(BadRuleFiles, FileOfNothingButWrongTagsLoadsNothing)
     const QString path = folder.write(
         QStringLiteral("terms.xml"),
         "<a><SubField name='A'/><PrimaryField name='B'/><msgRule title='C'/><term>D</term></a>");
-    EXPECT_TRUE(converter.readTermsXMLFile(path, SimpleTag, false));
+    EXPECT_TRUE(converter.readTermsXMLFile(path, SimpleTag, false, &toOutput));
     EXPECT_EQ(converter.termsList.size(), 0);
     EXPECT_EQ(diagnostics.lines().size(), 4U);
 }
@@ -282,7 +283,7 @@ TEST_F(BadRuleFiles, DeepElementsAreSkippedWithTheirRecord)
     content += QByteArray("<x>").repeated(200) + QByteArray("</x>").repeated(200);
     content += "</simpleTerm></terms>";
     const QString path = folder.write(QStringLiteral("terms.xml"), content);
-    EXPECT_TRUE(converter.readTermsXMLFile(path, SimpleTag, false));
+    EXPECT_TRUE(converter.readTermsXMLFile(path, SimpleTag, false, &toOutput));
     EXPECT_EQ(termNames(), Lines{"A"});
 }
 
@@ -292,7 +293,7 @@ TEST_F(BadRuleFiles, ManyDuplicatesAreEachReported)
     for (int i = 0; i < 1000; ++i)
         content += "<simpleTerm name='A'><term>DIGIT</term></simpleTerm>";
     const QString path = folder.write(QStringLiteral("terms.xml"), content + "</terms>");
-    EXPECT_TRUE(converter.readTermsXMLFile(path, SimpleTag, false));
+    EXPECT_TRUE(converter.readTermsXMLFile(path, SimpleTag, false, &toOutput));
     EXPECT_EQ(termNames(), Lines{"A"});
     EXPECT_EQ(diagnostics.lines().size(), 999U);
 }
@@ -302,7 +303,7 @@ TEST_F(BadRuleFiles, NameMayHoldAnything)
     const QString path = folder.write(
         QStringLiteral("terms.xml"),
         "<terms><simpleTerm name='a b&quot;&lt;&#10;)'><term>DIGIT</term></simpleTerm></terms>");
-    EXPECT_TRUE(converter.readTermsXMLFile(path, SimpleTag, false));
+    EXPECT_TRUE(converter.readTermsXMLFile(path, SimpleTag, false, &toOutput));
     EXPECT_EQ(termNames(), Lines{"A B\"<\n)"});
 }
 
@@ -311,12 +312,12 @@ TEST_F(BadRuleFiles, MessageRuleThatRefersToALoopIsRefused)
     converter.readTermsXMLFile(folder.write(QStringLiteral("terms.xml"),
                                             "<t><simpleTerm name='A'><term>B</term></simpleTerm>"
                                             "<simpleTerm name='B'><term>A</term></simpleTerm></t>"),
-                               SimpleTag, false);
-    converter.termsList_checkConfig();
+                               SimpleTag, false, &toOutput);
+    converter.termsList_checkConfig(&toOutput);
     diagnostics.clear();
     const QString path = folder.write(QStringLiteral("rules.xml"),
                                       "<r><msgRule title='ACK'><fields>[B]</fields></msgRule></r>");
-    EXPECT_TRUE(converter.readMsgRulesXMLFile(path));
+    EXPECT_TRUE(converter.readMsgRulesXMLFile(path, &toOutput));
     EXPECT_EQ(converter.msgRules.size(), 0);
     const QString head = RuleFolder::head(path, 0, QStringLiteral("ACK"));
     EXPECT_EQ(linesOf(diagnostics),

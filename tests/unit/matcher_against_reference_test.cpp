@@ -5,6 +5,7 @@
 #include "support/diagnosticcapture.h"
 #include "support/expressionwriter.h"
 #include "support/termset.h"
+#include "support/tooutput.h"
 #include "support/utf16text.h"
 
 #include <gtest/gtest.h>
@@ -47,7 +48,7 @@ public:
         m_expected = reference::compile(expression);
         if (m_actual)
             m_dumpBeforeCheck = m_actual->dumpData(true);
-        m_isValid = m_actual && m_actual->check_config(m_terms.terms());
+        m_isValid = m_actual && m_actual->check_config(m_terms.terms(), &toOutput);
     }
 
     /// True if both compiled (or refused) the expression alike and agree on what it is.

@@ -2,6 +2,7 @@
 
 #include "support/diagnosticcapture.h"
 #include "support/termset.h"
+#include "support/tooutput.h"
 #include "support/utf16text.h"
 
 #include <gtest/gtest.h>
@@ -54,7 +55,7 @@ void checkRow(const Row& row)
         ASSERT_TRUE(definitions.define(definition.name, definition.expression));
     const auto term = compileDefinition(QStringLiteral("R"), expression);
     ASSERT_TRUE(term);
-    ASSERT_TRUE(term->check_config(definitions.terms()));
+    ASSERT_TRUE(term->check_config(definitions.terms(), &toOutput));
     diagnostics.clear();
     EXPECT_EQ(term->parse(text.constData()), row.matched);
     EXPECT_TRUE(diagnostics.lines().empty()) << "matching reports nothing";

@@ -5,6 +5,7 @@
 #include "support/diagnosticcapture.h"
 #include "support/expressionwriter.h"
 #include "support/termset.h"
+#include "support/tooutput.h"
 
 #include <gtest/gtest.h>
 
@@ -17,7 +18,7 @@ std::unique_ptr<TermStd> compile(const TermSet& terms, const QString& expression
 {
     const DiagnosticCapture notWanted;
     std::unique_ptr<TermStd> term = compileDefinition(QStringLiteral("R"), expression);
-    if (term && !term->check_config(terms.terms()))
+    if (term && !term->check_config(terms.terms(), &toOutput))
         term.reset();
     return term;
 }

@@ -1,25 +1,29 @@
 // Reports about a message.
 
-#include "adexpdoc.h"
+#include "message/adexpdoc.h"
 
 #include "support/diagnosticcapture.h"
 #include "support/grammar.h"
 #include "support/reports.h"
+#include "support/tooutput.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-using Report = void (AdexpDoc::*)(const QString&, QStringView);
+using Report = void (AdexpDoc::*)(adexp_code, const QString&, QStringView);
 
 // Errors and warnings are told apart by their callers only.
 class MessageReport : public testing::TestWithParam<Report>
 {
 protected:
-    void report(const QString& message, QStringView detail) { (doc.*GetParam())(message, detail); }
+    void report(const QString& message, QStringView detail)
+    {
+        (doc.*GetParam())(ADEXP_CODE_STRAY_WORD, message, detail);
+    }
 
     DiagnosticCapture diagnostics;
-    AdexpDoc doc{QStringLiteral("-TITLE IFPL")};
+    AdexpDoc doc{QStringLiteral("-TITLE IFPL"), &toOutput};
 };
 
 INSTANTIATE_TEST_SUITE_P(Errors, MessageReport, testing::Values(&AdexpDoc::addError));
@@ -81,7 +85,7 @@ TEST(MessageReports, NoneForAMessageWithoutProblem)
     grammar.field(QStringLiteral("ARCID"), QStringLiteral("{ALPHANUM}7"));
     grammar.rule(QStringLiteral("IFPL"), QStringLiteral("ARCID"));
     const DiagnosticCapture diagnostics;
-    AdexpDoc doc(QStringLiteral("-TITLE IFPL -ARCID ABC"));
+    AdexpDoc doc(QStringLiteral("-TITLE IFPL -ARCID ABC"), &toOutput);
     doc.setRootField(grammar.rules());
     doc.parse();
     EXPECT_TRUE(doc.isValid);

@@ -2,10 +2,11 @@
 
 #include "support/reports.h"
 #include "support/rulefolder.h"
+#include "support/tooutput.h"
 
-#include "adexpdoc.h"
-#include "mainclass.h"
-#include "msgrule.h"
+#include "load/mainclass.h"
+#include "message/adexpdoc.h"
+#include "message/msgrule.h"
 
 #include <gtest/gtest.h>
 
@@ -21,14 +22,14 @@ protected:
                          "<fields><PrimaryField name='ARCID'><term>{ALPHANUM}7</term>"
                          "</PrimaryField><PrimaryField name='ADEP'><term>{ALPHA}4</term>"
                          "</PrimaryField></fields>"),
-            QStringLiteral("PrimaryField"), true));
-        converter.termsList_checkConfig();
+            QStringLiteral("PrimaryField"), true, &toOutput));
+        converter.termsList_checkConfig(&toOutput);
     }
 
     bool load(const QByteArray& content)
     {
         file = folder.write(QStringLiteral("rules.xml"), content);
-        return converter.readMsgRulesXMLFile(file);
+        return converter.readMsgRulesXMLFile(file, &toOutput);
     }
 
     // The titles of the rules in list order.
@@ -108,7 +109,8 @@ TEST_F(MsgRuleFile, FileOfDisabledRecordsSucceedsAndConvertsNothing)
     EXPECT_TRUE(load("<rules><msgRule title='ACK' active='false'><fields>ARCID</fields></msgRule>"
                      "<bad active='false'/></rules>"));
     EXPECT_EQ(titles(), Lines{});
-    EXPECT_TRUE(converter.charAdexpToCharXml(QStringLiteral("-TITLE ACK -ARCID EIN21K")).isEmpty());
+    EXPECT_TRUE(converter.charAdexpToCharXml(QStringLiteral("-TITLE ACK -ARCID EIN21K"), &toOutput)
+                    .isEmpty());
     EXPECT_EQ(linesOf(diagnostics), Lines{});
 }
 
@@ -230,14 +232,14 @@ TEST_F(MsgRuleFile, EmptyRootSucceeds)
 // Unlike for the term files the loader has nothing to add.
 TEST_F(MsgRuleFile, EmptyPathIsReportedOnce)
 {
-    EXPECT_FALSE(converter.readMsgRulesXMLFile(QString()));
+    EXPECT_FALSE(converter.readMsgRulesXMLFile(QString(), &toOutput));
     EXPECT_EQ(linesOf(diagnostics), Lines{setContentReport(QStringLiteral("file path is empty"))});
 }
 
 TEST_F(MsgRuleFile, FileThatCannotBeOpenedIsReportedOnce)
 {
     const QString missing = folder.path(QStringLiteral("missing.xml"));
-    EXPECT_FALSE(converter.readMsgRulesXMLFile(missing));
+    EXPECT_FALSE(converter.readMsgRulesXMLFile(missing, &toOutput));
     EXPECT_EQ(linesOf(diagnostics), Lines{setContentReport(RuleFolder::openErrorText(missing))});
 }
 

@@ -1,7 +1,7 @@
 // The list of named items: order, search, and taking out.
 
-#include "configinfo.h"
-#include "namedlist.h"
+#include "grammar/namedlist.h"
+#include "report/configinfo.h"
 
 #include <gtest/gtest.h>
 

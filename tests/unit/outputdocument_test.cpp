@@ -1,12 +1,13 @@
 // The output document.
 
-#include "adexpdoc.h"
-#include "adexpfield.h"
-#include "xmlwriter.h"
+#include "message/adexpdoc.h"
+#include "message/adexpfield.h"
+#include "output/xmlwriter.h"
 
 #include "support/diagnosticcapture.h"
 #include "support/grammar.h"
 #include "support/reports.h"
+#include "support/tooutput.h"
 
 #include <gtest/gtest.h>
 
@@ -30,16 +31,16 @@ protected:
 
     std::string convert(const QString& message)
     {
-        doc = std::make_unique<AdexpDoc>(message);
+        doc = std::make_unique<AdexpDoc>(message, &toOutput);
         doc->setRootField(grammar.rules());
         doc->parse();
         return std::string(doc->toXMLString().view());
     }
 
     // A root made by hand, named T, in a document without text.
-    AdexpField* root(TermStd* term = nullptr)
+    AdexpField* root(const TermStd* term = nullptr)
     {
-        doc = std::make_unique<AdexpDoc>(QString());
+        doc = std::make_unique<AdexpDoc>(QString(), &toOutput);
         doc->rootField = doc->createField(doc.get(), QStringView(u"T"), term);
         return doc->rootField;
     }
@@ -75,7 +76,7 @@ TEST_F(OutputDocument, EachSeparatorIsAnotherTerm)
     lists.field(QStringLiteral("SUBA"), QStringLiteral("[C] D"));
     lists.field(QStringLiteral("L"), QStringLiteral("SUBA B"));
     lists.rule(QStringLiteral("T"), QStringLiteral("L"));
-    AdexpDoc message(QStringLiteral("-TITLE T -BEGIN L -B 1 -AUTOSEP -END L"));
+    AdexpDoc message(QStringLiteral("-TITLE T -BEGIN L -B 1 -AUTOSEP -END L"), &toOutput);
     message.setRootField(lists.rules());
     message.parse();
     const std::string document(message.toXMLString().view());

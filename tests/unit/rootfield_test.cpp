@@ -1,10 +1,11 @@
 // The search for the title, the choice of the rule and the root field.
 
-#include "adexpdoc.h"
+#include "message/adexpdoc.h"
 
 #include "support/diagnosticcapture.h"
 #include "support/grammar.h"
 #include "support/reports.h"
+#include "support/tooutput.h"
 
 #include <gtest/gtest.h>
 
@@ -52,7 +53,7 @@ protected:
 
 TEST_F(RootField, IsNamedByTheTitleAndTakesItsRule)
 {
-    AdexpDoc doc(QStringLiteral("-TITLE IFPL -ARCID ABC\n"));
+    AdexpDoc doc(QStringLiteral("-TITLE IFPL -ARCID ABC\n"), &toOutput);
     doc.setRootField(grammar.rules());
     expectRoot(doc, u"IFPL", rule(0), 0);
     expectHeader(doc);
@@ -62,7 +63,7 @@ TEST_F(RootField, IsNamedByTheTitleAndTakesItsRule)
 
 TEST_F(RootField, WordsAndFieldsBeforeTheTitleAreReported)
 {
-    AdexpDoc doc(QStringLiteral("ZCZC 001 -ADEXP -TITLE ACK"));
+    AdexpDoc doc(QStringLiteral("ZCZC 001 -ADEXP -TITLE ACK"), &toOutput);
     doc.setRootField(grammar.rules());
     expectRoot(doc, u"ACK", rule(1), 16);
     EXPECT_EQ(linesOf(diagnostics),
@@ -73,7 +74,7 @@ TEST_F(RootField, WordsAndFieldsBeforeTheTitleAreReported)
 
 TEST_F(RootField, LoneHyphenBeforeTitleIsJoined)
 {
-    AdexpDoc doc(QStringLiteral("-\nTITLE IFPL"));
+    AdexpDoc doc(QStringLiteral("-\nTITLE IFPL"), &toOutput);
     doc.setRootField(grammar.rules());
     expectRoot(doc, u"IFPL", rule(0), 2);
     EXPECT_EQ(linesOf(diagnostics), Lines());
@@ -81,7 +82,7 @@ TEST_F(RootField, LoneHyphenBeforeTitleIsJoined)
 
 TEST_F(RootField, JoinedFieldBeforeTheTitleIsReportedWithItsHyphen)
 {
-    AdexpDoc doc(QStringLiteral("- - X -TITLE IFPL"));
+    AdexpDoc doc(QStringLiteral("- - X -TITLE IFPL"), &toOutput);
     doc.setRootField(grammar.rules());
     EXPECT_EQ(linesOf(diagnostics),
               (Lines{"\"field consists of a single character\" ",
@@ -91,7 +92,7 @@ TEST_F(RootField, JoinedFieldBeforeTheTitleIsReportedWithItsHyphen)
 
 TEST_F(RootField, NoneWithoutTitle)
 {
-    AdexpDoc doc(QStringLiteral("-title IFPL -TITLEX -ARCID"));
+    AdexpDoc doc(QStringLiteral("-title IFPL -TITLEX -ARCID"), &toOutput);
     doc.setRootField(grammar.rules());
     EXPECT_EQ(doc.rootField, nullptr);
     expectHeader(doc);
@@ -112,7 +113,7 @@ TEST_F(RootField, NoneWithoutTitle)
 
 TEST_F(RootField, NoneInAnEmptyText)
 {
-    AdexpDoc doc{QString()};
+    AdexpDoc doc{QString(), &toOutput};
     doc.setRootField(grammar.rules());
     EXPECT_EQ(doc.rootField, nullptr);
     EXPECT_EQ(linesOf(diagnostics), (Lines{"\"begin message (-TITLE) not found\" "}));
@@ -120,7 +121,7 @@ TEST_F(RootField, NoneInAnEmptyText)
 
 TEST_F(RootField, HasNoTermWithoutARuleForTheTitle)
 {
-    AdexpDoc doc(QStringLiteral("-TITLE XYZ -ARCID ABC"));
+    AdexpDoc doc(QStringLiteral("-TITLE XYZ -ARCID ABC"), &toOutput);
     doc.setRootField(grammar.rules());
     expectRoot(doc, u"XYZ", nullptr, 0);
     doc.parse();
@@ -132,14 +133,14 @@ TEST_F(RootField, HasNoTermWithoutARuleForTheTitle)
 
 TEST_F(RootField, HasNoTermForATitleInLowerCase)
 {
-    AdexpDoc doc(QStringLiteral("-TITLE ifpl"));
+    AdexpDoc doc(QStringLiteral("-TITLE ifpl"), &toOutput);
     doc.setRootField(grammar.rules());
     expectRoot(doc, u"ifpl", nullptr, 0);
 }
 
 TEST_F(RootField, HasAnEmptyTitleBehindTitleAsLastWord)
 {
-    AdexpDoc doc(QStringLiteral("-TITLE "));
+    AdexpDoc doc(QStringLiteral("-TITLE "), &toOutput);
     doc.setRootField(grammar.rules());
     expectRoot(doc, u"", nullptr, 0);
     EXPECT_TRUE(doc.toXMLString().isEmpty());
@@ -148,7 +149,7 @@ TEST_F(RootField, HasAnEmptyTitleBehindTitleAsLastWord)
 
 TEST_F(RootField, TitleMayBeAFieldWord)
 {
-    AdexpDoc doc(QStringLiteral("-TITLE -ARCID ABC"));
+    AdexpDoc doc(QStringLiteral("-TITLE -ARCID ABC"), &toOutput);
     doc.setRootField(grammar.rules());
     expectRoot(doc, u"-ARCID", nullptr, 0);
     EXPECT_EQ(linesOf(diagnostics), Lines());
@@ -156,7 +157,7 @@ TEST_F(RootField, TitleMayBeAFieldWord)
 
 TEST_F(RootField, IsTheSameWhenSetAgain)
 {
-    AdexpDoc doc(QStringLiteral("X -TITLE IFPL -ARCID ABC"));
+    AdexpDoc doc(QStringLiteral("X -TITLE IFPL -ARCID ABC"), &toOutput);
     doc.setRootField(grammar.rules());
     doc.parse();
     diagnostics.clear();
@@ -172,7 +173,7 @@ TEST_F(RootField, IsTheSameWhenSetAgain)
 
 TEST_F(RootField, NeedsNoRules)
 {
-    AdexpDoc doc(QStringLiteral("-TITLE IFPL"));
+    AdexpDoc doc(QStringLiteral("-TITLE IFPL"), &toOutput);
     doc.setRootField(nullptr);
     expectRoot(doc, u"IFPL", nullptr, 0);
 }

@@ -3,9 +3,10 @@
 #include "support/reports.h"
 #include "support/rulefolder.h"
 #include "support/ruleset.h"
+#include "support/tooutput.h"
 
-#include "mainclass.h"
-#include "msgrule.h"
+#include "load/mainclass.h"
+#include "message/msgrule.h"
 
 #include <QSettings>
 
@@ -35,7 +36,7 @@ protected:
         QSettings settings(folder.write(QStringLiteral("adexp.ini"), settingsFile),
                            QSettings::IniFormat);
         EXPECT_EQ(settings.status(), QSettings::NoError);
-        return converter.readSettingsRules(&settings);
+        return converter.readSettingsRules(&settings, &toOutput);
     }
 
     bool loadAll() { return load(settingsText(simpleFile, subFile, primaryFile, rulesFile)); }
@@ -115,7 +116,7 @@ TEST_F(Settings, FileThatDoesNotExistIsLikeAnEmptyOne)
 {
     QSettings settings(folder.path(QStringLiteral("missing.ini")), QSettings::IniFormat);
     EXPECT_EQ(settings.status(), QSettings::NoError);
-    EXPECT_FALSE(converter.readSettingsRules(&settings));
+    EXPECT_FALSE(converter.readSettingsRules(&settings, &toOutput));
     EXPECT_EQ(linesOf(diagnostics), NoSimpleTermsPath);
 }
 
@@ -198,7 +199,8 @@ TEST_F(Settings, MessageRulesWithoutAValidRuleAreNoFailure)
                "<rules><msgRule title='IFPL'><fields>NOWHERE</fields></msgRule></rules>");
     EXPECT_TRUE(loadAll());
     EXPECT_EQ(converter.msgRules.size(), 0);
-    EXPECT_TRUE(converter.charAdexpToCharXml(QStringLiteral("-TITLE IFPL -ARCID AB12")).isEmpty());
+    EXPECT_TRUE(converter.charAdexpToCharXml(QStringLiteral("-TITLE IFPL -ARCID AB12"), &toOutput)
+                    .isEmpty());
 }
 
 TEST_F(Settings, BadRecordsAreNoFailure)
@@ -321,7 +323,7 @@ TEST_F(Settings, GetPathGivesTheValueOfTheCurrentGroupOrNothing)
 TEST_F(Settings, EmbeddedRuleSetIsNamedByResourcePaths)
 {
     QSettings settings(QStringLiteral(":/adexp/adexp.ini"), QSettings::IniFormat);
-    EXPECT_TRUE(converter.readSettingsRules(&settings));
+    EXPECT_TRUE(converter.readSettingsRules(&settings, &toOutput));
     EXPECT_GT(converter.msgRules.size(), 0);
 }
 

@@ -4,6 +4,7 @@
 #include "support/diagnosticcapture.h"
 #include "support/expressionwriter.h"
 #include "support/termset.h"
+#include "support/tooutput.h"
 #include "termfacts.h"
 
 #include <gtest/gtest.h>
@@ -36,7 +37,7 @@ public:
     {
         const DiagnosticCapture notWanted;
         std::unique_ptr<TermStd> term = compileDefinition(QStringLiteral("R"), expression);
-        if (term && !term->check_config(m_terms.terms()))
+        if (term && !term->check_config(m_terms.terms(), &toOutput))
             term.reset();
         return term;
     }
@@ -190,7 +191,8 @@ TEST(TermFactsTable, NeedsNoTimeForManyPathsThroughDefinitions)
     }
     TermStd* const a = terms.terms()->search(u"A0");
     TermStd* const b = terms.terms()->search(u"B0");
-    ASSERT_TRUE(a->check_config(terms.terms()) && b->check_config(terms.terms()));
+    ASSERT_TRUE(a->check_config(terms.terms(), &toOutput) &&
+                b->check_config(terms.terms(), &toOutput));
     TermFactsTable table;
     EXPECT_TRUE(table.covers(a, b));
 }

@@ -2,9 +2,10 @@
 
 #include "support/reports.h"
 #include "support/rulefolder.h"
+#include "support/tooutput.h"
 
-#include "mainclass.h"
-#include "termstd.h"
+#include "grammar/termstd.h"
+#include "load/mainclass.h"
 
 #include <gtest/gtest.h>
 
@@ -19,7 +20,7 @@ protected:
     bool load(const QByteArray& content)
     {
         file = folder.write(QStringLiteral("terms.xml"), content);
-        return converter.readTermsXMLFile(file, SimpleTag, false);
+        return converter.readTermsXMLFile(file, SimpleTag, false, &toOutput);
     }
 
     // The names of the terms in list order.
@@ -98,7 +99,7 @@ TEST_F(TermFiles, ContainsFieldIsWhatTheCallerSays)
     converter.readTermsXMLFile(
         folder.write(QStringLiteral("sub.xml"),
                      "<terms><SubField name='B'><term>DIGIT</term></SubField></terms>"),
-        QStringLiteral("SubField"), true);
+        QStringLiteral("SubField"), true, &toOutput);
     EXPECT_FALSE(term("A")->containsField);
     EXPECT_TRUE(term("B")->containsField);
 }
@@ -266,7 +267,7 @@ TEST_F(TermFiles, SubFieldNamedLikeASimpleTermIsIgnored)
     const QString subFile =
         folder.write(QStringLiteral("sub.xml"),
                      "<terms><SubField name='a'><term>ALPHA</term></SubField></terms>");
-    EXPECT_TRUE(converter.readTermsXMLFile(subFile, QStringLiteral("SubField"), true));
+    EXPECT_TRUE(converter.readTermsXMLFile(subFile, QStringLiteral("SubField"), true, &toOutput));
     EXPECT_EQ(names(), Lines{"A"});
     EXPECT_FALSE(term("A")->containsField);
     EXPECT_EQ(
@@ -325,7 +326,8 @@ TEST_F(TermFiles, RecordThatDoesNotCompileIsSkippedWithoutAReportOfTheLoader)
 
 TEST_F(TermFiles, EmptyPathIsReportedTwiceAndFails)
 {
-    EXPECT_FALSE(converter.readTermsXMLFile(QString(), QStringLiteral("SubField"), true));
+    EXPECT_FALSE(
+        converter.readTermsXMLFile(QString(), QStringLiteral("SubField"), true, &toOutput));
     EXPECT_EQ(linesOf(diagnostics),
               (Lines{setContentReport(QStringLiteral("file path is empty")),
                      readTermsReport(QStringLiteral("can not read SubField records"))}));
@@ -334,7 +336,7 @@ TEST_F(TermFiles, EmptyPathIsReportedTwiceAndFails)
 TEST_F(TermFiles, FileThatCannotBeOpenedIsReportedTwiceAndFails)
 {
     const QString missing = folder.path(QStringLiteral("missing.xml"));
-    EXPECT_FALSE(converter.readTermsXMLFile(missing, SimpleTag, false));
+    EXPECT_FALSE(converter.readTermsXMLFile(missing, SimpleTag, false, &toOutput));
     EXPECT_EQ(linesOf(diagnostics),
               (Lines{setContentReport(RuleFolder::openErrorText(missing)),
                      readTermsReport(QStringLiteral("can not read simpleTerm records"))}));
@@ -361,7 +363,7 @@ TEST_F(TermFiles, SetContentGivesTheDocument)
 {
     QDomDocument document;
     EXPECT_TRUE(converter.ruleDomDocumentsetContent(
-        folder.write(QStringLiteral("x.xml"), "<a xmlns='u'><b/></a>"), &document));
+        folder.write(QStringLiteral("x.xml"), "<a xmlns='u'><b/></a>"), &document, &toOutput));
     EXPECT_EQ(document.documentElement().tagName().toStdString(), "a");
     // Namespaces are processed.
     EXPECT_EQ(document.documentElement().namespaceURI().toStdString(), "u");

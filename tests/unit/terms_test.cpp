@@ -2,14 +2,15 @@
 
 #include "support/diagnosticcapture.h"
 #include "support/termset.h"
+#include "support/tooutput.h"
 #include "support/utf16text.h"
 
-#include "mainclass.h"
-#include "msgrule.h"
-#include "termexpression.h"
-#include "termsimple.h"
-#include "termstd.h"
-#include "termvariable.h"
+#include "grammar/termexpression.h"
+#include "grammar/termsimple.h"
+#include "grammar/termstd.h"
+#include "grammar/termvariable.h"
+#include "load/mainclass.h"
+#include "message/msgrule.h"
 
 #include <gtest/gtest.h>
 
@@ -54,14 +55,14 @@ std::unique_ptr<TermVariable> reference(const Utf16Text& target)
 std::unique_ptr<TermExpression> expression(const Utf16Text& text)
 {
     const Record record(text);
-    return std::make_unique<TermExpression>(&record.item);
+    return std::make_unique<TermExpression>(&record.item, &toOutput);
 }
 
 template <typename Term>
 std::unique_ptr<Term> repeated(std::unique_ptr<Term> term, int least, int most)
 {
     term->bracketType = Repeated;
-    term->setRepeatCount(least, most);
+    term->setRepeatCount(least, most, &toOutput);
     return term;
 }
 
@@ -123,17 +124,17 @@ TEST(StandardTerm, of_a_record_alone_is_not_valid_and_has_no_kind)
 TEST(StandardTerm, check_returns_valid_and_leaves_the_checked_mark_to_the_caller)
 {
     const auto term = standardTerm(4);
-    EXPECT_TRUE(term->check_config(nullptr));
+    EXPECT_TRUE(term->check_config(nullptr, &toOutput));
     EXPECT_FALSE(term->configChecked);
     term->valid = false;
-    EXPECT_FALSE(term->check_config(nullptr));
+    EXPECT_FALSE(term->check_config(nullptr, &toOutput));
 }
 
 TEST(StandardTerm, answers_about_fields)
 {
     const auto term = standardTerm(4);
     EXPECT_EQ(term->search_TermField(QStringLiteral("KEYWORD")), nullptr);
-    EXPECT_FALSE(term->isFirstRequiredField(term.get()));
+    EXPECT_FALSE(term->isFirstRequiredField(term.get(), &toOutput));
     EXPECT_FALSE(term->isContainsField());
     term->containsField = true;
     EXPECT_TRUE(term->isContainsField());
@@ -237,15 +238,15 @@ TEST(StandardTerm, longest_length)
 
 TEST(StandardTerm, only_an_unbounded_run_of_CHARACTER_is_character_without_limit)
 {
-    EXPECT_TRUE(repeated(standardTerm(1), 0, -1)->isCharacterNoLimit());
-    EXPECT_TRUE(repeated(standardTerm(1), 3, Unlimited)->isCharacterNoLimit());
-    EXPECT_FALSE(repeated(standardTerm(1), 0, 100)->isCharacterNoLimit());
-    EXPECT_FALSE(repeated(standardTerm(7), 0, -1)->isCharacterNoLimit());
-    EXPECT_FALSE(standardTerm(1)->isCharacterNoLimit());
+    EXPECT_TRUE(repeated(standardTerm(1), 0, -1)->isCharacterNoLimit(&toOutput));
+    EXPECT_TRUE(repeated(standardTerm(1), 3, Unlimited)->isCharacterNoLimit(&toOutput));
+    EXPECT_FALSE(repeated(standardTerm(1), 0, 100)->isCharacterNoLimit(&toOutput));
+    EXPECT_FALSE(repeated(standardTerm(7), 0, -1)->isCharacterNoLimit(&toOutput));
+    EXPECT_FALSE(standardTerm(1)->isCharacterNoLimit(&toOutput));
     const auto optional = standardTerm(1);
     optional->bracketType = Optional;
     optional->maxRepeat = Unlimited;
-    EXPECT_FALSE(optional->isCharacterNoLimit());
+    EXPECT_FALSE(optional->isCharacterNoLimit(&toOutput));
 }
 
 TEST(RepeatCount, table)
@@ -289,7 +290,7 @@ TEST(RepeatCount, table)
         const auto term = standardTerm(row.kind);
         term->bracketType = row.bracketType;
         DiagnosticCapture diagnostics;
-        term->setRepeatCount(row.least, row.most);
+        term->setRepeatCount(row.least, row.most, &toOutput);
         EXPECT_EQ(term->minRepeat, row.storedLeast);
         EXPECT_EQ(term->maxRepeat, row.storedMost);
         EXPECT_EQ(joined(diagnostics.reportedTexts()), row.messages);
@@ -301,7 +302,7 @@ TEST(RepeatCount, is_taken_away_from_a_term_that_is_no_longer_in_braces)
 {
     const auto term = repeated(standardTerm(4), 2, 4);
     term->bracketType = Optional;
-    term->setRepeatCount(2, 4);
+    term->setRepeatCount(2, 4, &toOutput);
     EXPECT_EQ(term->minRepeat, -1);
     EXPECT_EQ(term->maxRepeat, -1);
 }
@@ -311,7 +312,7 @@ TEST(TermReport, has_three_quoted_items_each_followed_by_a_blank)
     const Record record(u"F {DIGIT}3", u"FL_LEVEL");
     const TermStd term(&record.item);
     DiagnosticCapture diagnostics;
-    term.configErrorMessage(QStringLiteral("say \"no\""));
+    term.configErrorMessage(ADEXP_CODE_EMPTY_EXPRESSION, QStringLiteral("say \"no\""), &toOutput);
     ASSERT_EQ(diagnostics.lines().size(), 1u);
     EXPECT_EQ(diagnostics.lines()[0].type, QtDebugMsg);
     EXPECT_EQ(diagnostics.lines()[0].text.toStdString(),
@@ -328,10 +329,10 @@ TEST(TermDump, decorations)
     EXPECT_EQ(term->dumpDataSetMaxMin(name), QStringLiteral("[X]"));
     term->bracketType = Repeated;
     EXPECT_EQ(term->dumpDataSetMaxMin(name), QStringLiteral("-1{X}-1"));
-    term->setRepeatCount(2, 4);
+    term->setRepeatCount(2, 4, &toOutput);
     EXPECT_EQ(term->dumpDataSetMaxMin(name), QStringLiteral("2{X}4"));
     EXPECT_EQ(term->dumpData(true), QStringLiteral("2{DIGIT}4"));
-    term->setRepeatCount(-1, -1);
+    term->setRepeatCount(-1, -1, &toOutput);
     EXPECT_EQ(term->dumpData(false), QStringLiteral("0{DIGIT}536870911"));
     term->bracketType = 7;
     EXPECT_EQ(term->dumpDataSetMaxMin(name), QStringLiteral("X"));
@@ -368,7 +369,7 @@ TEST(TermDump, resolved_reference)
     set.define(QStringLiteral("A"), QStringLiteral("2{ALPHANUM}7"));
     set.define(QStringLiteral("B"), QStringLiteral("['X']"));
     const auto term = repeated(reference(u"ARCID"), 1, 1);
-    ASSERT_TRUE(term->check_config(set.terms()));
+    ASSERT_TRUE(term->check_config(set.terms(), &toOutput));
     EXPECT_EQ(term->dumpData(true).toStdString(),
               "1{ARCID}1<simpleTerm>1{ARCID}1</simpleTerm>(<TermExpression>"
               "A<simpleTerm>A</simpleTerm>2{ALPHANUM}7</simpleTerm> ! SEP ! "
@@ -388,7 +389,7 @@ TEST(TermDump, expression_shows_round_brackets_only_inside_another_and_never_wit
     EXPECT_EQ(term->dumpData(false),
               QStringLiteral("(<TermExpression>DIGIT | ALPHA</TermExpression>)"));
     term->bracketType = Repeated;
-    term->setRepeatCount(2, 3);
+    term->setRepeatCount(2, 3, &toOutput);
     EXPECT_EQ(term->dumpData(true),
               QStringLiteral("2{<TermExpression>DIGIT | ALPHA</TermExpression>}3"));
     EXPECT_EQ(term->dumpData(false),
@@ -438,7 +439,7 @@ TEST(Literal, keeps_its_text_simplified)
     EXPECT_EQ(term->stdType, 0);
     const QString text = QStringLiteral("Two words");
     EXPECT_EQ(term->parse(text.constData()), 9);
-    EXPECT_TRUE(term->check_config(nullptr));
+    EXPECT_TRUE(term->check_config(nullptr, &toOutput));
 }
 
 TEST(Literal, of_blanks_only_is_found_empty_by_the_check)
@@ -448,7 +449,7 @@ TEST(Literal, of_blanks_only_is_found_empty_by_the_check)
     const QString text = QStringLiteral("A");
     EXPECT_EQ(term->parse(text.constData()), 0);
     DiagnosticCapture diagnostics;
-    EXPECT_FALSE(term->check_config(nullptr));
+    EXPECT_FALSE(term->check_config(nullptr, &toOutput));
     EXPECT_FALSE(term->valid);
     EXPECT_EQ(joined(diagnostics.reportedTexts()), "ExprRuleStr is empty");
 }
@@ -458,7 +459,7 @@ TEST(Literal, invalid_one_stays_invalid)
     const auto term = literal(u"A");
     term->valid = false;
     DiagnosticCapture diagnostics;
-    EXPECT_FALSE(term->check_config(nullptr));
+    EXPECT_FALSE(term->check_config(nullptr, &toOutput));
     EXPECT_TRUE(diagnostics.lines().empty());
 }
 
@@ -479,8 +480,8 @@ TEST(Literal, has_no_answers_about_fields)
     const auto term = literal(u"IFPL");
     EXPECT_EQ(term->search_TermField(QStringLiteral("IFPL")), nullptr);
     EXPECT_FALSE(term->isContainsField());
-    EXPECT_FALSE(term->isFirstRequiredField(term.get()));
-    EXPECT_FALSE(repeated(literal(u"IFPL"), 0, -1)->isCharacterNoLimit());
+    EXPECT_FALSE(term->isFirstRequiredField(term.get(), &toOutput));
+    EXPECT_FALSE(repeated(literal(u"IFPL"), 0, -1)->isCharacterNoLimit(&toOutput));
 }
 
 TEST(Reference, is_unresolved_after_construction)
@@ -490,7 +491,6 @@ TEST(Reference, is_unresolved_after_construction)
     EXPECT_EQ(term->ExprRuleStr, QStringLiteral("ARCID"));
     EXPECT_FALSE(term->valid);
     EXPECT_EQ(term->simpleTerm, nullptr);
-    EXPECT_FALSE(term->loopGuard);
     EXPECT_EQ(term->stdType, 0);
 }
 
@@ -506,7 +506,7 @@ TEST(Reference, unresolved_one_reports_an_internal_error_where_it_needs_its_targ
         << onlyInternalError(diagnostics);
     diagnostics.clear();
 
-    EXPECT_FALSE(term->isCharacterNoLimit());
+    EXPECT_FALSE(term->isCharacterNoLimit(&toOutput));
     EXPECT_TRUE(endsWith(onlyInternalError(diagnostics),
                          "TermVariable::isCharacterNoLimit() simpleTerm == 0"))
         << onlyInternalError(diagnostics);
@@ -518,7 +518,7 @@ TEST(Reference, unresolved_one_reports_an_internal_error_where_it_needs_its_targ
         << onlyInternalError(diagnostics);
     diagnostics.clear();
 
-    EXPECT_FALSE(term->isFirstRequiredField(term.get()));
+    EXPECT_FALSE(term->isFirstRequiredField(term.get(), &toOutput));
     EXPECT_TRUE(
         endsWith(onlyInternalError(diagnostics),
                  "TermVariable::isFirstRequiredField(const TermStd*) const simpleTerm == 0"))
@@ -530,7 +530,7 @@ TEST(Reference, own_run_of_characters_needs_no_target)
     const auto term = repeated(reference(u"ARCID"), 0, -1);
     term->stdType = TermTypeCharacter;
     const DiagnosticCapture diagnostics;
-    EXPECT_TRUE(term->isCharacterNoLimit());
+    EXPECT_TRUE(term->isCharacterNoLimit(&toOutput));
     EXPECT_TRUE(diagnostics.lines().empty());
 }
 
@@ -550,30 +550,30 @@ TEST(Reference, unresolved_one_answers_silently_about_fields)
     EXPECT_TRUE(diagnostics.lines().empty());
 }
 
-TEST(Reference, set_guard_is_a_loop)
+TEST(Reference, that_leads_back_to_itself_is_a_loop)
 {
     TermSet set;
     set.define(QStringLiteral("X"), QStringLiteral("{CHARACTER}"));
     const auto term = reference(u"X");
     const QString text = QStringLiteral("A");
-    ASSERT_TRUE(term->check_config(set.terms()));
-    EXPECT_FALSE(term->loopGuard);
-    EXPECT_TRUE(term->isCharacterNoLimit());
+    ASSERT_TRUE(term->check_config(set.terms(), &toOutput));
+    EXPECT_TRUE(term->isCharacterNoLimit(&toOutput));
     EXPECT_EQ(term->parse(text.constData()), 1);
-    EXPECT_FALSE(term->loopGuard);
 
-    term->loopGuard = true;
+    Check check{set.terms(), &toOutput, {term.get()}};
     DiagnosticCapture diagnostics;
+    EXPECT_FALSE(term->check(&check));
+    EXPECT_EQ(joined(diagnostics.reportedTexts()), "loop detected in the variables");
+    EXPECT_TRUE(term->valid); // left as it was
+    diagnostics.clear();
+
+    term->simpleTerm = term.get();
     EXPECT_EQ(term->parse(text.constData()), 0);
     EXPECT_TRUE(endsWith(onlyInternalError(diagnostics), "loop detected in the variables"));
     diagnostics.clear();
-    EXPECT_FALSE(term->isCharacterNoLimit());
+    EXPECT_FALSE(term->isCharacterNoLimit(&toOutput));
     EXPECT_TRUE(endsWith(onlyInternalError(diagnostics), "loop detected in the variables"));
-    diagnostics.clear();
-    EXPECT_FALSE(term->check_config(set.terms()));
-    EXPECT_EQ(joined(diagnostics.reportedTexts()), "loop detected in the variables");
-    EXPECT_TRUE(term->valid);                                // left as it was
-    EXPECT_EQ(term->calculateOfLengthData(true), Unlimited); // no guard here
+    EXPECT_TRUE(term->valid); // left as it was
 }
 
 TEST(ReferenceCheck, resolves_to_the_first_term_of_the_name)
@@ -584,7 +584,7 @@ TEST(ReferenceCheck, resolves_to_the_first_term_of_the_name)
     set.define(QStringLiteral("X"), QStringLiteral("ALPHA"));
     const auto term = reference(u"X");
     DiagnosticCapture diagnostics;
-    EXPECT_TRUE(term->check_config(set.terms()));
+    EXPECT_TRUE(term->check_config(set.terms(), &toOutput));
     EXPECT_TRUE(term->valid);
     EXPECT_EQ(term->simpleTerm, first);
     EXPECT_TRUE(first->configChecked);
@@ -597,10 +597,10 @@ TEST(ReferenceCheck, resolved_one_is_not_looked_up_again)
     TermSet set;
     set.define(QStringLiteral("X"), QStringLiteral("DIGIT"));
     const auto term = reference(u"X");
-    ASSERT_TRUE(term->check_config(set.terms()));
-    EXPECT_TRUE(term->check_config(nullptr));
+    ASSERT_TRUE(term->check_config(set.terms(), &toOutput));
+    EXPECT_TRUE(term->check_config(nullptr, &toOutput));
     term->valid = false;
-    EXPECT_FALSE(term->check_config(set.terms()));
+    EXPECT_FALSE(term->check_config(set.terms(), &toOutput));
 }
 
 TEST(ReferenceCheck, names_are_compared_exactly)
@@ -608,7 +608,7 @@ TEST(ReferenceCheck, names_are_compared_exactly)
     TermSet set;
     set.define(QStringLiteral("x"), QStringLiteral("DIGIT"));
     DiagnosticCapture diagnostics;
-    EXPECT_FALSE(reference(u"X")->check_config(set.terms()));
+    EXPECT_FALSE(reference(u"X")->check_config(set.terms(), &toOutput));
     EXPECT_EQ(joined(diagnostics.reportedTexts()), "variable X not found");
 }
 
@@ -620,7 +620,7 @@ TEST(ReferenceCheck, errors_in_the_order_of_the_tests)
     const Record empty(u"", u"");
     TermVariable nameless(&empty.item); // its name is also that of its record
     nameless.valid = true;
-    EXPECT_FALSE(nameless.check_config(nullptr));
+    EXPECT_FALSE(nameless.check_config(nullptr, &toOutput));
     EXPECT_FALSE(nameless.valid);
     EXPECT_EQ(joined(diagnostics.reportedTexts()), "ExprRuleStr is empty");
     diagnostics.clear();
@@ -628,21 +628,21 @@ TEST(ReferenceCheck, errors_in_the_order_of_the_tests)
     const Record own(u"A", u"A");
     TermVariable itself(&own.item);
     itself.valid = true;
-    EXPECT_FALSE(itself.check_config(nullptr));
+    EXPECT_FALSE(itself.check_config(nullptr, &toOutput));
     EXPECT_FALSE(itself.valid);
     EXPECT_EQ(joined(diagnostics.reportedTexts()), "variable points to itself");
     diagnostics.clear();
 
     const auto listless = reference(u"X");
     listless->valid = true;
-    EXPECT_FALSE(listless->check_config(nullptr));
+    EXPECT_FALSE(listless->check_config(nullptr, &toOutput));
     EXPECT_FALSE(listless->valid);
     EXPECT_EQ(joined(diagnostics.reportedTexts()), "termsList = 0");
     diagnostics.clear();
 
     const auto unknown = reference(u"X");
     unknown->valid = true;
-    EXPECT_FALSE(unknown->check_config(set.terms()));
+    EXPECT_FALSE(unknown->check_config(set.terms(), &toOutput));
     EXPECT_FALSE(unknown->valid);
     EXPECT_EQ(unknown->simpleTerm, nullptr);
     EXPECT_EQ(joined(diagnostics.reportedTexts()), "variable X not found");
@@ -653,11 +653,11 @@ TEST(ReferenceCheck, record_that_refers_to_itself)
     TermSet set;
     TermStd* term = set.define(QStringLiteral("A"), QStringLiteral("A"));
     DiagnosticCapture diagnostics;
-    EXPECT_FALSE(term->check_config(set.terms()));
+    EXPECT_FALSE(term->check_config(set.terms(), &toOutput));
     EXPECT_EQ(joined(diagnostics.reportedTexts()), "variable points to itself");
     diagnostics.clear();
     TermStd* deep = set.define(QStringLiteral("D"), QStringLiteral("DIGIT [{SEP ! D}]"));
-    EXPECT_FALSE(deep->check_config(set.terms()));
+    EXPECT_FALSE(deep->check_config(set.terms(), &toOutput));
     EXPECT_EQ(joined(diagnostics.reportedTexts()), "variable points to itself");
 }
 
@@ -667,7 +667,7 @@ TEST(ReferenceCheck, loop_of_two_records)
     TermStd* a = set.define(QStringLiteral("A"), QStringLiteral("B"));
     TermStd* b = set.define(QStringLiteral("B"), QStringLiteral("A"));
     DiagnosticCapture diagnostics;
-    EXPECT_FALSE(a->check_config(set.terms()));
+    EXPECT_FALSE(a->check_config(set.terms(), &toOutput));
     EXPECT_EQ(joined(diagnostics.reportedTexts()), "loop detected in the variables\n"
                                                    "variable A was found, but variable not valid\n"
                                                    "variable B was found, but variable not valid");
@@ -685,7 +685,7 @@ TEST(ReferenceCheck, loop_through_expressions)
     set.define(QStringLiteral("B"), QStringLiteral("DIGIT | (C ! C)"));
     set.define(QStringLiteral("C"), QStringLiteral("[A]"));
     DiagnosticCapture diagnostics;
-    EXPECT_FALSE(a->check_config(set.terms()));
+    EXPECT_FALSE(a->check_config(set.terms(), &toOutput));
     const QStringList texts = diagnostics.reportedTexts();
     EXPECT_EQ(texts.value(0), QStringLiteral("loop detected in the variables"));
     EXPECT_EQ(texts.value(texts.size() - 1),
@@ -697,12 +697,12 @@ TEST(ReferenceCheck, target_that_failed_before_is_not_checked_again)
     TermSet set;
     TermStd* bad = set.define(QStringLiteral("BAD"), QStringLiteral("' '"));
     DiagnosticCapture diagnostics;
-    EXPECT_FALSE(reference(u"BAD")->check_config(set.terms()));
+    EXPECT_FALSE(reference(u"BAD")->check_config(set.terms(), &toOutput));
     EXPECT_EQ(joined(diagnostics.reportedTexts()),
               "ExprRuleStr is empty\nvariable BAD was found, but variable not valid");
     EXPECT_TRUE(bad->configChecked);
     diagnostics.clear();
-    EXPECT_FALSE(reference(u"BAD")->check_config(set.terms()));
+    EXPECT_FALSE(reference(u"BAD")->check_config(set.terms(), &toOutput));
     EXPECT_EQ(joined(diagnostics.reportedTexts()),
               "variable BAD was found, but variable not valid");
 }
@@ -714,7 +714,7 @@ TEST(ReferenceCheck, mark_and_validity_of_a_checked_target_are_believed)
     term->configChecked = true;
     term->valid = true;
     DiagnosticCapture diagnostics;
-    EXPECT_TRUE(reference(u"X")->check_config(set.terms()));
+    EXPECT_TRUE(reference(u"X")->check_config(set.terms(), &toOutput));
     EXPECT_TRUE(diagnostics.lines().empty());
 }
 
@@ -724,7 +724,7 @@ TEST(Reference, longest_length_includes_the_count_of_the_target)
     set.define(QStringLiteral("X"), QStringLiteral("2{DIGIT}3"));
     set.define(QStringLiteral("U"), QStringLiteral("{DIGIT}"));
     const auto checked = [&set](std::unique_ptr<TermVariable> term) {
-        EXPECT_TRUE(term->check_config(set.terms()));
+        EXPECT_TRUE(term->check_config(set.terms(), &toOutput));
         return term;
     };
     const auto plain = checked(reference(u"X"));
@@ -748,8 +748,8 @@ TEST(Reference, character_without_limit_is_the_answer_of_the_target_whatever_its
     set.define(QStringLiteral("GROUP"), QStringLiteral("({CHARACTER})"));
     set.define(QStringLiteral("CHAIN"), QStringLiteral("TEXT"));
     const auto answer = [&set](std::unique_ptr<TermVariable> term) {
-        EXPECT_TRUE(term->check_config(set.terms()));
-        return term->isCharacterNoLimit();
+        EXPECT_TRUE(term->check_config(set.terms(), &toOutput));
+        return term->isCharacterNoLimit(&toOutput);
     };
     EXPECT_TRUE(answer(reference(u"TEXT")));
     EXPECT_TRUE(answer(reference(u"CHAIN")));
@@ -766,13 +766,13 @@ TEST(Reference, answers_about_fields_are_those_of_the_target)
     field->containsField = true;
     TermStd* block = set.define(QStringLiteral("BLOCK"), QStringLiteral("FIELD DIGIT"));
     TermStd* plain = set.define(QStringLiteral("PLAIN"), QStringLiteral("DIGIT"));
-    ASSERT_TRUE(block->check_config(set.terms()));
+    ASSERT_TRUE(block->check_config(set.terms(), &toOutput));
 
     const auto toField = reference(u"FIELD");
-    ASSERT_TRUE(toField->check_config(set.terms()));
+    ASSERT_TRUE(toField->check_config(set.terms(), &toOutput));
     EXPECT_TRUE(toField->isContainsField());
-    EXPECT_TRUE(toField->isFirstRequiredField(field));
-    EXPECT_FALSE(toField->isFirstRequiredField(plain));
+    EXPECT_TRUE(toField->isFirstRequiredField(field, &toOutput));
+    EXPECT_FALSE(toField->isFirstRequiredField(plain, &toOutput));
     EXPECT_FALSE(toField->isContainsCompoundField());
     toField->setCompoundField();
     EXPECT_TRUE(toField->compoundField);
@@ -781,13 +781,13 @@ TEST(Reference, answers_about_fields_are_those_of_the_target)
     EXPECT_TRUE(toField->isContainsCompoundField());
 
     const auto toBlock = reference(u"BLOCK");
-    ASSERT_TRUE(toBlock->check_config(set.terms()));
+    ASSERT_TRUE(toBlock->check_config(set.terms(), &toOutput));
     EXPECT_TRUE(toBlock->isContainsField());
-    EXPECT_TRUE(toBlock->isFirstRequiredField(block));
-    EXPECT_TRUE(toBlock->isFirstRequiredField(field));
+    EXPECT_TRUE(toBlock->isFirstRequiredField(block, &toOutput));
+    EXPECT_TRUE(toBlock->isFirstRequiredField(field, &toOutput));
 
     const auto toPlain = reference(u"PLAIN");
-    ASSERT_TRUE(toPlain->check_config(set.terms()));
+    ASSERT_TRUE(toPlain->check_config(set.terms(), &toOutput));
     EXPECT_FALSE(toPlain->isContainsField());
     toPlain->compoundField = true;
     toPlain->setCompoundField();
@@ -802,20 +802,20 @@ TEST(Reference, field_search_goes_through_to_the_target)
     TermStd* alias = set.define(QStringLiteral("ALIAS"), QStringLiteral("NAME"));
 
     const auto toBlock = reference(u"BLOCK");
-    ASSERT_TRUE(toBlock->check_config(set.terms()));
-    TermStd* found = toBlock->search_TermField(QStringLiteral("NAME"));
+    ASSERT_TRUE(toBlock->check_config(set.terms(), &toOutput));
+    const TermStd* found = toBlock->search_TermField(QStringLiteral("NAME"));
     ASSERT_NE(found, nullptr);
     EXPECT_EQ(found->type(), 9);
     EXPECT_EQ(found->ExprRuleStr, QStringLiteral("NAME"));
     EXPECT_EQ(toBlock->search_TermField(QStringLiteral("BLOCK")), nullptr);
 
     const auto toAlias = reference(u"ALIAS");
-    ASSERT_TRUE(toAlias->check_config(set.terms()));
+    ASSERT_TRUE(toAlias->check_config(set.terms(), &toOutput));
     EXPECT_EQ(toAlias->search_TermField(QStringLiteral("NAME")), alias);
     EXPECT_EQ(toAlias->search_TermField(QStringLiteral("ALIAS")), nullptr);
 
     const auto toName = reference(u"NAME");
-    ASSERT_TRUE(toName->check_config(set.terms()));
+    ASSERT_TRUE(toName->check_config(set.terms(), &toOutput));
     EXPECT_EQ(toName->search_TermField(QStringLiteral("NAME")), nullptr);
 }
 
@@ -841,9 +841,10 @@ TEST(Expression, sequence_and_choice_matchers_can_be_called_alone)
 {
     const QString text = QStringLiteral("1A");
     const auto sequence = expression(u"DIGIT!ALPHA");
-    EXPECT_EQ(sequence->parse_by_operator_and(text.constData()), 2);
+    Match match(&toOutput);
+    EXPECT_EQ(sequence->parse_by_operator_and(text.constData(), &match), 2);
     const auto choice = expression(u"DIGIT|ALPHA");
-    EXPECT_EQ(choice->parse_by_operator_or(text.constData()), 1);
+    EXPECT_EQ(choice->parse_by_operator_or(text.constData(), &match), 1);
 }
 
 TEST(Expression, longest_length)
@@ -871,12 +872,12 @@ TEST(Expression, longest_length)
 TEST(ExpressionCheck, result_is_its_own_validity)
 {
     const auto term = expression(u"DIGIT SEP ALPHA");
-    EXPECT_TRUE(term->check_config(nullptr));
+    EXPECT_TRUE(term->check_config(nullptr, &toOutput));
     EXPECT_FALSE(term->configChecked);
     for (const TermStd* part : term->ExprList)
         EXPECT_TRUE(part->configChecked);
     term->valid = false;
-    EXPECT_FALSE(term->check_config(nullptr));
+    EXPECT_FALSE(term->check_config(nullptr, &toOutput));
 }
 
 TEST(ExpressionCheck, all_terms_are_visited_and_reported_once)
@@ -884,13 +885,13 @@ TEST(ExpressionCheck, all_terms_are_visited_and_reported_once)
     TermSet set;
     const auto term = expression(u"X (DIGIT Y) ' ' X");
     DiagnosticCapture diagnostics;
-    EXPECT_FALSE(term->check_config(set.terms()));
+    EXPECT_FALSE(term->check_config(set.terms(), &toOutput));
     EXPECT_FALSE(term->valid);
     EXPECT_EQ(
         joined(diagnostics.reportedTexts()),
         "variable X not found\nvariable Y not found\nExprRuleStr is empty\nvariable X not found");
     diagnostics.clear();
-    EXPECT_FALSE(term->check_config(set.terms()));
+    EXPECT_FALSE(term->check_config(set.terms(), &toOutput));
     EXPECT_TRUE(diagnostics.lines().empty());
 }
 
@@ -899,7 +900,7 @@ TEST(ExpressionCheck, checked_part_that_is_invalid_makes_it_invalid)
     const auto term = expression(u"DIGIT ALPHA");
     term->ExprList.first()->configChecked = true;
     term->ExprList.first()->valid = false;
-    EXPECT_FALSE(term->check_config(nullptr));
+    EXPECT_FALSE(term->check_config(nullptr, &toOutput));
     EXPECT_FALSE(term->valid);
 }
 
@@ -909,7 +910,7 @@ TEST(ExpressionSearch, finds_a_reference_at_any_depth_in_the_order_of_the_text)
     EXPECT_EQ(term->search_TermField(QStringLiteral("A")), term->ExprList.at(0));
     EXPECT_EQ(term->search_TermField(QStringLiteral("X")), nullptr);
     EXPECT_EQ(term->search_TermField(QStringLiteral("c")), nullptr);
-    TermStd* found = term->search_TermField(QStringLiteral("C"));
+    const TermStd* found = term->search_TermField(QStringLiteral("C"));
     ASSERT_NE(found, nullptr);
     EXPECT_EQ(found->bracketType, Repeated);
     EXPECT_NE(found, term->ExprList.at(2));
@@ -929,7 +930,7 @@ TEST(ExpressionSearch, does_not_follow_references)
     set.define(QStringLiteral("BLOCK"), QStringLiteral("NAME DIGIT"));
     set.define(QStringLiteral("NAME"), QStringLiteral("DIGIT"));
     const auto term = expression(u"BLOCK ALPHA");
-    ASSERT_TRUE(term->check_config(set.terms()));
+    ASSERT_TRUE(term->check_config(set.terms(), &toOutput));
     EXPECT_EQ(term->search_TermField(QStringLiteral("NAME")), nullptr);
 }
 
@@ -937,7 +938,8 @@ TEST(ExpressionSearch, does_not_descend_into_a_message_rule)
 {
     const auto outer = expression(u"DIGIT");
     const Record record(u"A B", u"RULE");
-    outer->ExprList.append(new MsgRule(&record.item, nullptr)); // the expression owns it now
+    outer->ExprList.append(
+        new MsgRule(&record.item, nullptr, &toOutput)); // the expression owns it now
     outer->OperatorsList.append(QChar(u'!'));
     EXPECT_EQ(outer->search_TermField(QStringLiteral("A")), nullptr);
     EXPECT_EQ(outer->search_TermField(QStringLiteral("A B")), outer->ExprList.at(1));
@@ -950,7 +952,7 @@ TEST(ExpressionField, containing_and_compound)
     set.define(QStringLiteral("PLAIN"), QStringLiteral("DIGIT"));
 
     const auto plain = expression(u"PLAIN DIGIT");
-    ASSERT_TRUE(plain->check_config(set.terms()));
+    ASSERT_TRUE(plain->check_config(set.terms(), &toOutput));
     EXPECT_FALSE(plain->isContainsField());
     plain->setCompoundField();
     EXPECT_FALSE(plain->compoundField);
@@ -961,7 +963,7 @@ TEST(ExpressionField, containing_and_compound)
     EXPECT_TRUE(plain->isContainsField());
 
     const auto deep = expression(u"PLAIN [DIGIT (FIELD | ALPHA)]");
-    ASSERT_TRUE(deep->check_config(set.terms()));
+    ASSERT_TRUE(deep->check_config(set.terms(), &toOutput));
     EXPECT_TRUE(deep->isContainsField());
     deep->setCompoundField();
     EXPECT_TRUE(deep->compoundField);
@@ -1019,19 +1021,19 @@ TEST(ExpressionFirstField, walk_stops_at_the_first_required_term)
     for (const auto& row : rows) {
         SCOPED_TRACE(readable(row.text));
         const auto term = expression(row.text);
-        ASSERT_TRUE(term->check_config(set.terms()));
+        ASSERT_TRUE(term->check_config(set.terms(), &toOutput));
         DiagnosticCapture diagnostics;
-        EXPECT_EQ(term->isFirstRequiredField(a), row.aFirst);
-        EXPECT_EQ(term->isFirstRequiredField(b), row.bFirst);
+        EXPECT_EQ(term->isFirstRequiredField(a, &toOutput), row.aFirst);
+        EXPECT_EQ(term->isFirstRequiredField(b, &toOutput), row.bFirst);
     }
 }
 
 TEST(ExpressionFirstField, part_itself_can_be_asked_for)
 {
     const auto term = expression(u"[DIGIT] ! (ALPHA | 'X') ! SEP");
-    EXPECT_TRUE(term->isFirstRequiredField(term->ExprList.at(0)));
-    EXPECT_TRUE(term->isFirstRequiredField(term->ExprList.at(1)));
-    EXPECT_FALSE(term->isFirstRequiredField(term->ExprList.at(2)));
+    EXPECT_TRUE(term->isFirstRequiredField(term->ExprList.at(0), &toOutput));
+    EXPECT_TRUE(term->isFirstRequiredField(term->ExprList.at(1), &toOutput));
+    EXPECT_FALSE(term->isFirstRequiredField(term->ExprList.at(2), &toOutput));
 }
 
 TEST(ExpressionFirstField, running_out_of_terms_is_an_internal_error)
@@ -1040,15 +1042,15 @@ TEST(ExpressionFirstField, running_out_of_terms_is_an_internal_error)
     set.define(QStringLiteral("A"), QStringLiteral("DIGIT"));
     TermStd* b = set.define(QStringLiteral("B"), QStringLiteral("DIGIT"));
     const auto term = expression(u"[A] ! {A}");
-    ASSERT_TRUE(term->check_config(set.terms()));
+    ASSERT_TRUE(term->check_config(set.terms(), &toOutput));
     DiagnosticCapture diagnostics;
-    EXPECT_FALSE(term->isFirstRequiredField(b));
+    EXPECT_FALSE(term->isFirstRequiredField(b, &toOutput));
     EXPECT_EQ(onlyInternalError(diagnostics),
               "virtual bool TermExpression::isFirstRequiredField(const TermStd*) const check_term "
               "not found");
     const auto empty = expression(u"");
     diagnostics.clear();
-    EXPECT_FALSE(empty->isFirstRequiredField(b));
+    EXPECT_FALSE(empty->isFirstRequiredField(b, &toOutput));
     EXPECT_EQ(onlyInternalError(diagnostics),
               "virtual bool TermExpression::isFirstRequiredField(const TermStd*) const check_term "
               "not found");
@@ -1068,8 +1070,8 @@ TEST(Expression, unchecked_one_matches_up_to_an_unresolved_reference)
 
 TEST(Expression, is_never_character_without_limit)
 {
-    EXPECT_FALSE(repeated(expression(u"CHARACTER"), 0, -1)->isCharacterNoLimit());
-    EXPECT_FALSE(expression(u"{CHARACTER}")->isCharacterNoLimit());
+    EXPECT_FALSE(repeated(expression(u"CHARACTER"), 0, -1)->isCharacterNoLimit(&toOutput));
+    EXPECT_FALSE(expression(u"{CHARACTER}")->isCharacterNoLimit(&toOutput));
 }
 
 TEST(MessageRule, is_an_expression_with_a_type_of_its_own)
@@ -1077,13 +1079,13 @@ TEST(MessageRule, is_an_expression_with_a_type_of_its_own)
     const Record record(u"A | DIGIT", u"IFPL");
     TermSet set;
     set.define(QStringLiteral("A"), QStringLiteral("'A'"));
-    MsgRule rule(&record.item, nullptr);
+    MsgRule rule(&record.item, nullptr, &toOutput);
     EXPECT_EQ(rule.type(), 11);
     EXPECT_TRUE(rule.valid);
     EXPECT_EQ(rule.owner, nullptr);
     EXPECT_EQ(rule.config.recordName, QStringLiteral("IFPL"));
     EXPECT_TRUE(rule.compoundField);
-    EXPECT_TRUE(rule.check_config(set.terms()));
+    EXPECT_TRUE(rule.check_config(set.terms(), &toOutput));
     EXPECT_FALSE(rule.isContainsField());
     EXPECT_TRUE(rule.isContainsCompoundField()); // although it holds no field
     const QString text = QStringLiteral("A");
@@ -1096,17 +1098,17 @@ TEST(MessageRule, text_that_does_not_compile_gives_an_invalid_rule)
 {
     const Record record(u"A |", u"IFPL");
     DiagnosticCapture diagnostics;
-    MsgRule rule(&record.item, nullptr);
+    MsgRule rule(&record.item, nullptr, &toOutput);
     EXPECT_FALSE(rule.valid);
     EXPECT_EQ(joined(diagnostics.reportedTexts()), "missing the last term after operator |");
-    EXPECT_FALSE(rule.check_config(nullptr));
+    EXPECT_FALSE(rule.check_config(nullptr, &toOutput));
     EXPECT_TRUE(rule.isContainsCompoundField());
 }
 
 TEST(MessageRule, of_one_bracketed_part_keeps_the_part)
 {
     const Record record(u"[A]", u"IFPL");
-    MsgRule rule(&record.item, nullptr);
+    MsgRule rule(&record.item, nullptr, &toOutput);
     ASSERT_EQ(rule.ExprList.size(), 1);
     EXPECT_EQ(rule.ExprList.at(0)->bracketType, Optional);
 }

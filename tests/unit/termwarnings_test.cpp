@@ -1,12 +1,13 @@
 // Parts of a rule set that have no effect.
 
-#include "mainclass.h"
-#include "termexpression.h"
+#include "grammar/termexpression.h"
+#include "load/mainclass.h"
 #include "termwarnings.h"
 
 #include "support/diagnosticcapture.h"
 #include "support/expressionwriter.h"
 #include "support/rulefolder.h"
+#include "support/tooutput.h"
 
 #include <gtest/gtest.h>
 
@@ -27,7 +28,7 @@ public:
         ConfigInfo record;
         record.recordName = name;
         record.ruleText = expression;
-        if (TermStd* const term = TermExpression::append_expression(&record, true)) {
+        if (TermStd* const term = TermExpression::append_expression(&record, true, &toOutput)) {
             term->containsField = isField;
             converter.termsList.append(term);
         }
@@ -37,17 +38,19 @@ public:
     Rules& rule(const QString& fields)
     {
         const RuleFolder folder;
-        converter.termsList_checkConfig();
-        EXPECT_TRUE(converter.readMsgRulesXMLFile(folder.write(
-            QStringLiteral("rules.xml"),
-            "<r><msgRule title='MSG'><fields>" + fields.toUtf8() + "</fields></msgRule></r>")));
+        converter.termsList_checkConfig(&toOutput);
+        EXPECT_TRUE(converter.readMsgRulesXMLFile(
+            folder.write(QStringLiteral("rules.xml"), "<r><msgRule title='MSG'><fields>" +
+                                                          fields.toUtf8() +
+                                                          "</fields></msgRule></r>"),
+            &toOutput));
         return *this;
     }
 
     // Each warning as "text" and, behind " @ ", the expression from its position on.
     std::vector<std::string> warnings(const QString& expression)
     {
-        converter.termsList_checkConfig();
+        converter.termsList_checkConfig(&toOutput);
         std::vector<std::string> result;
         for (const Finding& finding : TermWarnings(&converter).find()) {
             EXPECT_EQ(finding.severity, Severity::Warning);
@@ -187,7 +190,7 @@ TEST(NeverMatching, IsTrueOfAllShortTexts)
             .term(QStringLiteral("Y"), QStringLiteral("ALPHA | '1'"))
             .term(QStringLiteral("Z"), QStringLiteral("X ! ['-' ! Y]"))
             .term(QStringLiteral("R"), expression);
-        rules.converter.termsList_checkConfig();
+        rules.converter.termsList_checkConfig(&toOutput);
         TermStd* const term = rules.converter.termsList.search(u"R");
         const TermExpression* const sequence = term ? asExpression(term) : nullptr;
         if (!sequence || isChoice(sequence))

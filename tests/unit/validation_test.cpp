@@ -2,10 +2,11 @@
 
 #include "support/reports.h"
 #include "support/rulefolder.h"
+#include "support/tooutput.h"
 
-#include "mainclass.h"
-#include "msgrule.h"
-#include "termstd.h"
+#include "grammar/termstd.h"
+#include "load/mainclass.h"
+#include "message/msgrule.h"
 
 #include <gtest/gtest.h>
 
@@ -35,7 +36,7 @@ public:
     }
     ~CountingTerm() override { ++m_counts->deletions; }
 
-    bool check_config(const TermList*) override
+    bool check(Check*) override
     {
         ++m_counts->checks;
         return valid;
@@ -64,8 +65,8 @@ protected:
             content += '<' + tag.toUtf8() + " name='" + name + "'><term>" + expression +
                        "</term></" + tag.toUtf8() + ">\n";
         file = folder.write(tag, content + "</terms>\n");
-        ASSERT_TRUE(converter.readTermsXMLFile(file, tag, areFields));
-        converter.termsList_checkConfig();
+        ASSERT_TRUE(converter.readTermsXMLFile(file, tag, areFields, &toOutput));
+        converter.termsList_checkConfig(&toOutput);
     }
 
     Lines names() const
@@ -116,7 +117,7 @@ ConfigInfo recordNamed(const char* name)
 
 TEST_F(Validation, EmptyListStaysEmpty)
 {
-    converter.termsList_checkConfig();
+    converter.termsList_checkConfig(&toOutput);
     EXPECT_EQ(names(), Lines{});
     EXPECT_EQ(linesOf(diagnostics), Lines{});
 }
@@ -172,7 +173,7 @@ TEST_F(Validation, RemovalDoesNotSkipTheTermBehind)
 TEST_F(Validation, RemovedTermIsDeletedAtOnce)
 {
     converter.termsList.append(new CountingTerm(recordNamed("BAD"), false, true, &field));
-    converter.termsList_checkConfig();
+    converter.termsList_checkConfig(&toOutput);
     EXPECT_EQ(names(), Lines{});
     EXPECT_EQ(field.checks, 1);
     EXPECT_EQ(field.compoundMarks, 0);
@@ -226,7 +227,7 @@ TEST_F(Validation, OnlyFieldsAreMarkedAsCompounds)
 {
     converter.termsList.append(new CountingTerm(recordNamed("FIELD"), true, true, &field));
     converter.termsList.append(new CountingTerm(recordNamed("SIMPLE"), true, false, &simple));
-    converter.termsList_checkConfig();
+    converter.termsList_checkConfig(&toOutput);
     EXPECT_EQ(field.compoundMarks, 1);
     EXPECT_EQ(simple.compoundMarks, 0);
 }
@@ -235,9 +236,9 @@ TEST_F(Validation, LaterPassesMarkCompoundsAgainButCheckNothingAgain)
 {
     converter.termsList.append(new CountingTerm(recordNamed("FIELD"), true, true, &field));
     converter.termsList.append(new CountingTerm(recordNamed("SIMPLE"), true, false, &simple));
-    converter.termsList_checkConfig();
-    converter.termsList_checkConfig();
-    converter.termsList_checkConfig();
+    converter.termsList_checkConfig(&toOutput);
+    converter.termsList_checkConfig(&toOutput);
+    converter.termsList_checkConfig(&toOutput);
     EXPECT_EQ(field.checks, 1);
     EXPECT_EQ(field.compoundMarks, 3);
     EXPECT_EQ(simple.checks, 1);
@@ -250,7 +251,7 @@ TEST_F(Validation, TermMarkedAsCheckedIsNotCheckedWhateverItWouldSay)
     auto* const bad = new CountingTerm(recordNamed("BAD"), false, true, &field);
     bad->configChecked = true;
     converter.termsList.append(bad);
-    converter.termsList_checkConfig();
+    converter.termsList_checkConfig(&toOutput);
     EXPECT_EQ(names(), Lines{"BAD"});
     EXPECT_EQ(field.checks, 0);
     EXPECT_EQ(field.compoundMarks, 1);
@@ -285,8 +286,9 @@ protected:
             content += "<simpleTerm name='" + name(i) + "'><term>" +
                        QByteArray(around).replace("%1", name(next(i))) + "</term></simpleTerm>\n";
         file = folder.write(QStringLiteral("loop.xml"), content + "</terms>");
-        ASSERT_TRUE(converter.readTermsXMLFile(file, QStringLiteral("simpleTerm"), false));
-        converter.termsList_checkConfig();
+        ASSERT_TRUE(
+            converter.readTermsXMLFile(file, QStringLiteral("simpleTerm"), false, &toOutput));
+        converter.termsList_checkConfig(&toOutput);
     }
 
     // What the reference in record @p number reports.

@@ -1,12 +1,13 @@
 // Rule files that nest too deep or grow too much are refused before QDomDocument reads them.
 
-#include "xmllimits.h"
+#include "load/xmllimits.h"
 
 #include "support/diagnosticcapture.h"
 #include "support/rulefolder.h"
 #include "support/smallstack.h"
+#include "support/tooutput.h"
 
-#include "mainclass.h"
+#include "load/mainclass.h"
 
 #include <QDomDocument>
 #include <QXmlStreamReader>
@@ -229,7 +230,7 @@ TEST(XmlLimits, AFileOfAHundredThousandOpenElementsIsReportedAtOnce)
         const DiagnosticCapture capture;
         MainClass converter(nullptr);
         QDomDocument document;
-        EXPECT_FALSE(converter.ruleDomDocumentsetContent(path, &document));
+        EXPECT_FALSE(converter.ruleDomDocumentsetContent(path, &document, &toOutput));
         EXPECT_EQ(capture.debugLines(),
                   QStringList{QStringLiteral(
                       "bool MainClass::ruleDomDocumentsetContent(const QString&, QDomDocument*) "
@@ -248,7 +249,7 @@ TEST(XmlLimits, TheDeepestFileIsLoadedWithLittleStack)
         const DiagnosticCapture capture;
         MainClass converter(nullptr);
         EXPECT_TRUE(converter.readTermsXMLFile(folder.write(QStringLiteral("deep.xml"), content),
-                                               QStringLiteral("simpleTerm"), false));
+                                               QStringLiteral("simpleTerm"), false, &toOutput));
         EXPECT_NE(converter.termsList.search(u"A"), nullptr);
         EXPECT_TRUE(capture.lines().empty());
     });
@@ -268,9 +269,8 @@ TEST(XmlLimits, EachReportNamesItsLimit)
     for (const auto& [content, text] : files) {
         const QString path = folder.write(QStringLiteral("rules.xml"), content);
         const DiagnosticCapture capture;
-        MainClass converter(nullptr);
         QDomDocument document;
-        EXPECT_FALSE(converter.ruleDomDocumentsetContent(path, &document));
+        EXPECT_FALSE(MainClass::ruleDomDocumentsetContent(path, &document, &toOutput));
         ASSERT_EQ(capture.debugLines().size(), 1);
         const QString line = capture.debugLines().front();
         EXPECT_TRUE(line.endsWith(QLatin1String(text) + QLatin1String("\" ")))

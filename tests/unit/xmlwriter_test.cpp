@@ -1,8 +1,8 @@
 // The XML writer: its layout is that of QDomDocument::toString(4), and whatever it is given, the
 // document is well-formed.
 
-#include "xmlchar.h"
-#include "xmlwriter.h"
+#include "output/xmlchar.h"
+#include "output/xmlwriter.h"
 
 #include <QDomDocument>
 #include <QString>

@@ -38,6 +38,20 @@ std::string counted(std::ptrdiff_t count, const char* noun)
     return std::to_string(count) + ' ' + noun + (count == 1 ? "" : "s");
 }
 
+FindingFacts facts(const Finding& finding)
+{
+    const ConfigInfo& place = finding.record;
+    FindingFacts facts;
+    facts.isWarning = isWarning(finding);
+    facts.text = finding.text;
+    facts.detail = finding.detail;
+    facts.name = place.recordName;
+    facts.file = place.xmlFile;
+    facts.line = place.lineNumber;
+    facts.column = place.columnNumber;
+    return facts;
+}
+
 std::string textLine(const Finding& finding)
 {
     const ConfigInfo& place = finding.record;
@@ -94,7 +108,7 @@ ExitCode runCheck(const CheckOptions& options)
     const RuleChecker checker(&settings);
     StandardOutput out;
     for (const Finding& finding : checker.findings())
-        out.write(options.isJson ? jsonLine(findingJson(finding)) : textLine(finding));
+        out.write(options.isJson ? jsonLine(findingJson(facts(finding))) : textLine(finding));
     if (!options.isJson)
         out.write(summary(checker));
     if (!out.flush())

@@ -1,11 +1,11 @@
 #include "examplechecker.h"
 
-#include "adexpdoc.h"
 #include "definitions.h"
-#include "diagnosticcollector.h"
-#include "mainclass.h"
-#include "matchingsteps.h"
-#include "msgrule.h"
+#include "load/mainclass.h"
+#include "message/adexpdoc.h"
+#include "message/msgrule.h"
+#include "printedreports.h"
+#include "report/linereporter.h"
 #include "rulefile.h"
 
 #include <QStringList>
@@ -17,9 +17,10 @@ namespace {
 // "is matched only up to "ABC"", empty if all is matched.
 QString unmatched(TermStd* term, const QString& data)
 {
-    const MatchingSteps steps(data.size());
-    const int matched = term->parse(data.constData());
-    if (steps.areExhausted())
+    PrintedReports reports;
+    Match match(data.size(), &reports);
+    const int matched = term->match(data.constData(), &match);
+    if (match.areStepsExhausted())
         return QStringLiteral("takes too many steps to be matched");
     if (matched == data.size())
         return {};
@@ -27,18 +28,28 @@ QString unmatched(TermStd* term, const QString& data)
                         : QLatin1String("is matched only up to \"") + data.left(matched) + u'"';
 }
 
+class ReportedLines : public Reporter
+{
+public:
+    void report(const Finding& finding) override
+    {
+        lines.append(LineReporter::lineOf(finding).trimmed());
+    }
+
+    QStringList lines;
+};
+
 // What the conversion of a message reports. @p title receives that of its rule, null without one.
 QString reportsOf(const QString& message, const RuleList& rules, QString* title = nullptr)
 {
-    QStringList reports;
-    const DiagnosticCollector collector(
-        [&reports](const QString& line) { reports.append(line.trimmed()); });
-    AdexpDoc doc(message);
+    ReportedLines reported;
+    AdexpDoc doc(message, &reported);
     doc.setRootField(&rules);
     doc.parse();
     if (title && doc.rootField && doc.rootField->fieldTerm)
         *title = doc.rootField->fieldTerm->config.recordName;
-    return reports.isEmpty() ? QString() : QLatin1String("is reported: ") + reports.join(u' ');
+    return reported.lines.isEmpty() ? QString()
+                                    : QLatin1String("is reported: ") + reported.lines.join(u' ');
 }
 
 } // namespace
@@ -85,8 +96,9 @@ QString ExampleChecker::stretchRefused(const RuleRecord& record, const QString& 
     ConfigInfo config;
     config.recordName = QStringLiteral("EXAMPLEMESSAGE");
     config.ruleText = u'[' + record.name.toUpper() + u']';
-    MsgRule rule(&config, m_rules);
-    rule.check_config(&m_rules->termsList);
+    PrintedReports reports;
+    MsgRule rule(&config, m_rules, &reports);
+    rule.check_config(&m_rules->termsList, &reports);
     RuleList rules;
     rules.append(&rule);
     return reportsOf(QLatin1String("-TITLE ") + config.recordName + u' ' + stretch, rules);

@@ -1,11 +1,11 @@
 #include "rulechecker.h"
 
 #include "definitions.h"
-#include "diagnosticcollector.h"
 #include "examplechecker.h"
-#include "msgrule.h"
+#include "message/msgrule.h"
 #include "nearestname.h"
-#include "ruleset.h"
+#include "report/reporter.h"
+#include "settingsfile.h"
 #include "termwarnings.h"
 
 #include <QFileInfo>
@@ -20,10 +20,10 @@ namespace {
 // How many unknown names get the nearest name as a hint: each search compares all names.
 constexpr int MostHints = 100;
 
-class FindingList : public FindingObserver
+class FindingList : public Reporter
 {
 public:
-    void found(const Finding& finding) override { all.push_back(finding); }
+    void report(const Finding& finding) override { all.push_back(finding); }
 
     std::vector<Finding> all;
 };
@@ -67,10 +67,7 @@ RuleChecker::RuleChecker(QSettings* settings)
     : m_rules(nullptr), m_settingsFile(settings->fileName())
 {
     FindingList found;
-    {
-        const DiagnosticCollector silent([](const QString&) {});
-        m_isLoaded = m_rules.readSettingsRules(settings);
-    }
+    m_isLoaded = m_rules.readSettingsRules(settings, &found);
     settings->endGroup(); // which loading has begun
     readRecords(*settings);
     keepCauses(found.all);
@@ -138,7 +135,7 @@ void RuleChecker::keepCauses(const std::vector<Finding>& all)
 {
     int loops = 0;
     for (const Finding& finding : all) {
-        if (finding.kind == FindingKind::Consequence || followsFromAnother(finding))
+        if (finding.kind() == FindingKind::Consequence || followsFromAnother(finding))
             continue;
         Finding cause = finding;
         if (cause.record.xmlFile.isEmpty() && !m_missingKey.isEmpty())
@@ -146,9 +143,9 @@ void RuleChecker::keepCauses(const std::vector<Finding>& all)
                           QLatin1String(" of the group [rules]");
         if (isMissing(cause.record.xmlFile))
             cause.text += QLatin1String("; a relative path starts from the working directory");
-        if (cause.kind == FindingKind::UnknownName)
+        if (cause.kind() == FindingKind::UnknownName)
             cause.text += hintFor(cause);
-        if (cause.kind == FindingKind::Loop && loops++ < MostHints)
+        if (cause.kind() == FindingKind::Loop && loops++ < MostHints)
             cause.text += loopHint(cause.record.recordName, cause.detail);
         keep(cause);
     }
@@ -158,7 +155,7 @@ void RuleChecker::keepCauses(const std::vector<Finding>& all)
 // refer to a field in any case.)
 bool RuleChecker::followsFromAnother(const Finding& finding) const
 {
-    if (finding.kind != FindingKind::UnknownName)
+    if (finding.kind() != FindingKind::UnknownName)
         return false;
     const RuleRecord* const target = m_byName.value(finding.detail);
     const RuleRecord* const record = recordOf(finding.record);

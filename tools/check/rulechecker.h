@@ -1,8 +1,8 @@
 #ifndef RULECHECKER_H
 #define RULECHECKER_H
 
-#include "findingobserver.h"
-#include "mainclass.h"
+#include "load/mainclass.h"
+#include "report/finding.h"
 #include "rulefile.h"
 
 #include <QHash>

@@ -1,11 +1,12 @@
 #include "termwarnings.h"
 
 #include "definitions.h"
-#include "mainclass.h"
-#include "msgrule.h"
-#include "termexpression.h"
+#include "grammar/termexpression.h"
+#include "grammar/termvariable.h"
+#include "load/mainclass.h"
+#include "message/msgrule.h"
+#include "printedreports.h"
 #include "termtext.h"
-#include "termvariable.h"
 
 #include <QSet>
 
@@ -174,7 +175,8 @@ TermWarnings::Names TermWarnings::checkNames(const TermStd* term, bool onceEach)
     } else if (isField(term)) {
         names.first.insert(term->ExprRuleStr, term);
         TermStd* const field = static_cast<const TermVariable*>(term)->simpleTerm;
-        if (field->fieldKind() == FieldKind::BasicToLimit)
+        PrintedReports reports;
+        if (field->fieldKind(&reports) == FieldKind::BasicToLimit)
             names.takingAll = term;
     }
     return names;

@@ -1,7 +1,7 @@
 #ifndef TERMWARNINGS_H
 #define TERMWARNINGS_H
 
-#include "findingobserver.h"
+#include "report/finding.h"
 #include "termfacts.h"
 
 #include <QHash>

@@ -2,7 +2,7 @@
 
 #include "console.h"
 #include "nearestname.h"
-#include "ruleset.h"
+#include "settingsfile.h"
 
 #include <CLI/CLI.hpp>
 

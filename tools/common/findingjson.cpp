@@ -1,41 +1,44 @@
 #include "findingjson.h"
 
 #include "console.h"
-#include "findingobserver.h"
+#include "unicode.h"
 
 #include <QJsonDocument>
-#include <QJsonObject>
 
-namespace {
-
-void addPlace(const Finding& finding, QJsonObject* object)
+QJsonObject findingJson(const FindingFacts& finding)
 {
-    const ConfigInfo& record = finding.record;
-    if (!record.xmlFile.isEmpty()) {
-        object->insert(QStringLiteral("file"), record.xmlFile);
-        object->insert(QStringLiteral("line"), record.lineNumber);
-        object->insert(QStringLiteral("column"), record.columnNumber);
-    } else if (finding.begin >= 0) {
-        object->insert(QStringLiteral("begin"), finding.begin);
-        object->insert(QStringLiteral("end"), finding.end);
-    }
-}
-
-} // namespace
-
-QJsonObject findingJson(const Finding& finding)
-{
-    const bool isWarning = finding.severity == Severity::Warning;
-    QJsonObject object;
-    object.insert(QStringLiteral("severity"),
-                  isWarning ? QStringLiteral("warning") : QStringLiteral("error"));
-    object.insert(QStringLiteral("text"), finding.text);
+    QJsonObject object{{QStringLiteral("severity"),
+                        finding.isWarning ? QStringLiteral("warning") : QStringLiteral("error")},
+                       {QStringLiteral("text"), finding.text}};
     if (!finding.detail.isEmpty())
         object.insert(QStringLiteral("detail"), finding.detail);
-    if (!finding.record.recordName.isEmpty())
-        object.insert(QStringLiteral("name"), finding.record.recordName);
-    addPlace(finding, &object);
+    if (!finding.name.isEmpty())
+        object.insert(QStringLiteral("name"), finding.name);
+    if (!finding.file.isEmpty()) {
+        object.insert(QStringLiteral("file"), finding.file);
+        object.insert(QStringLiteral("line"), finding.line);
+        object.insert(QStringLiteral("column"), finding.column);
+    } else if (finding.begin >= 0) {
+        object.insert(QStringLiteral("begin"), finding.begin);
+        object.insert(QStringLiteral("end"), finding.end);
+    }
     return object;
+}
+
+QJsonObject findingJson(const adexp::Finding& finding)
+{
+    FindingFacts facts;
+    facts.isWarning = finding.severity() == adexp::Severity::Warning;
+    facts.text = unicode(finding.text());
+    facts.detail = unicode(finding.detail());
+    facts.file = unicode(finding.file());
+    if (!facts.file.isEmpty()) // of a field the path is none of a definition
+        facts.name = unicode(finding.path());
+    facts.line = finding.place().line;
+    facts.column = finding.place().column;
+    facts.begin = finding.place().begin;
+    facts.end = finding.place().end;
+    return findingJson(facts);
 }
 
 QJsonObject errorJson(const std::string& file, const std::string& text)

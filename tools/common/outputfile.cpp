@@ -1,35 +1,15 @@
 #include "outputfile.h"
 
+#include "uninterrupted.h"
+
 #include <QFile>
 #include <QSaveFile>
 
-#include <csignal>
 #include <filesystem>
 
 namespace fs = std::filesystem;
 
 namespace {
-
-// Holds back the signals that ask the command to end. They act when the object is destroyed.
-class SignalsHeldBack
-{
-public:
-    SignalsHeldBack()
-    {
-        sigset_t asking;
-        sigemptyset(&asking);
-        for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT})
-            sigaddset(&asking, signal);
-        sigprocmask(SIG_BLOCK, &asking, &m_before);
-    }
-    ~SignalsHeldBack() { sigprocmask(SIG_SETMASK, &m_before, nullptr); }
-
-    SignalsHeldBack(const SignalsHeldBack&) = delete;
-    SignalsHeldBack& operator=(const SignalsHeldBack&) = delete;
-
-private:
-    sigset_t m_before;
-};
 
 bool isDeviceOrPipe(const std::string& path)
 {
@@ -61,7 +41,7 @@ std::string writeDirectly(const QString& name, std::string_view data)
 
 std::string writeAndRename(const QString& name, std::string_view data)
 {
-    const SignalsHeldBack heldBack;
+    const Uninterrupted uninterrupted;
     QSaveFile file(name);
     if (file.open(QIODevice::WriteOnly) && writeWhole(&file, data) && file.commit())
         return {};

@@ -1,7 +1,7 @@
 #include "readfiles.h"
 
 #include "inputfile.h"
-#include "ruleset.h"
+#include "settingsfile.h"
 
 #include <QFile>
 #include <QSettings>

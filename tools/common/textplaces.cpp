@@ -1,7 +1,6 @@
 #include "textplaces.h"
 
 #include <algorithm>
-#include <functional>
 
 namespace {
 
@@ -33,12 +32,29 @@ int TextPlaces::wordEnd(int position) const
                             m_text.begin());
 }
 
-int TextPlaces::endOf(QStringView part) const
+int TextPlaces::wordBegin(int end) const
 {
-    const bool isInText = !part.isEmpty() && std::less_equal<>()(m_text.begin(), part.begin()) &&
-                          std::less_equal<>()(part.end(), m_text.end());
-    // cppcheck-suppress mismatchingContainerExpression  // part is a part of m_text
-    return isInText ? static_cast<int>(part.end() - m_text.begin()) : -1;
+    while (end > 0 && !isSeparator(m_text[end - 1]))
+        --end;
+    return end;
+}
+
+int TextPlaces::nextWord(int position) const
+{
+    return static_cast<int>(std::find_if_not(m_text.begin() + position, m_text.end(), isSeparator) -
+                            m_text.begin());
+}
+
+int TextPlaces::previousWordEnd(int position) const
+{
+    while (position > 0 && isSeparator(m_text[position - 1]))
+        --position;
+    return position;
+}
+
+bool TextPlaces::isWord(int begin, int end, QStringView word) const
+{
+    return m_text.mid(begin, end - begin) == word;
 }
 
 TextPlaces::Place TextPlaces::placeOf(int position) const

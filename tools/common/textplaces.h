@@ -29,8 +29,17 @@ public:
     /// Position behind the word that @p position, which lies in the text, is in.
     int wordEnd(int position) const;
 
-    /// Position behind @p part; -1 if it is empty or was not cut out of the text.
-    int endOf(QStringView part) const;
+    /// Position of the word that ends at @p end.
+    int wordBegin(int end) const;
+
+    /// Position of the word behind @p position, or behind the text.
+    int nextWord(int position) const;
+
+    /// Position behind the word before @p position, or 0.
+    int previousWordEnd(int position) const;
+
+    /// True if @p word stands from @p begin to @p end.
+    bool isWord(int begin, int end, QStringView word) const;
 
     /// Line and column of @p position, which lies in the text.
     Place placeOf(int position) const;

@@ -4,23 +4,17 @@
 #include "exitcodes.h"
 #include "messagecoverage.h"
 
+#include <optional>
 #include <string>
-#include <string_view>
-
-class FrameReader;
-class FrameWriter;
 
 /// What became of one message.
 struct ConversionResult
 {
     ExitCode status = ExitCode::Success;
-    std::string reports;       ///< lines for standard error
-    std::string_view document; ///< for standard output; empty: none. Not owned
-    MessageCoverage coverage;  ///< for the summary; empty without one
-
-    /// For handing it to another process. The document read stays in the memory of @p frame.
-    void writeTo(FrameWriter* frame) const;
-    static ConversionResult readFrom(FrameReader* frame);
+    std::string reports;        ///< lines for standard error
+    std::string document;       ///< for standard output; empty: none
+    MessageCoverage coverage;   ///< for the summary; empty without one
+    std::optional<double> part; ///< see Message
 };
 
 #endif

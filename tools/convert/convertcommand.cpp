@@ -2,19 +2,14 @@
 
 #include "commandline.h"
 #include "console.h"
+#include "conversionrun.h"
 #include "interruption.h"
-#include "messageconverter.h"
-#include "messagesource.h"
-#include "outputnames.h"
-#include "resultwriter.h"
-#include "workerpool.h"
+#include "loadedrules.h"
 
 #include <CLI/CLI.hpp>
 
-#include <algorithm>
 #include <filesystem>
 #include <system_error>
-#include <unistd.h>
 
 namespace {
 
@@ -31,71 +26,13 @@ constexpr const char* ConvertFooter =
     "Examples:\n"
     "  adexp convert plan.adexp                  document to standard output\n"
     "  adexp convert -o documents/ *.adexp       a document for each message\n"
-    "  adexp convert -j 0 -r -o documents/ messages/\n"
+    "  adexp convert -r -o documents/ messages/\n"
     "  adexp convert -r --summary messages/      what the rule set covers\n"
     "  adexp convert --lines -0 < messages.txt   one message a line, documents ended by NUL\n"
     "  adexp convert --settings my.ini < plan.adexp\n";
 
-int numberOfProcesses(const ConvertOptions& options)
-{
-    if (options.jobs != 0)
-        return options.jobs;
-    const long processors = sysconf(_SC_NPROCESSORS_ONLN);
-    return static_cast<int>(std::clamp<long>(processors, 1, Interruption::MaxProcesses));
-}
-
-// Converts in this process, without copying.
-void convertHere(MessageSource* source, MessageConverter* converter, ResultWriter* writer)
-{
-    Message message;
-    for (;;) {
-        Next next = source->next(&message, Waiting::Refused);
-        if (next == Next::WouldWait) {
-            writer->flush();
-            next = source->next(&message, Waiting::Allowed);
-        }
-        if (next == Next::Taken && !message.isRead)
-            writer->flush(); // reading it may take long, of a pipe for example
-        if (next == Next::End || !writer->write(converter->convert(message), source->taken()))
-            return;
-    }
-}
-
-void convertInProcesses(int processes, MessageSource* source, MessageConverter* converter,
-                        ResultWriter* writer)
-{
-    WorkerPool pool(
-        processes, [converter](const Message& message) { return converter->convert(message); },
-        [converter](const Message& message, const std::string& reason) {
-            return converter->notConverted(message, reason);
-        });
-    pool.run(
-        source,
-        [source, writer](const ConversionResult& result) {
-            return writer->write(result, source->taken());
-        },
-        [writer] { writer->flush(); });
-}
-
-ExitCode convertAll(const ConvertOptions& options)
-{
-    MessageSource source(options);
-    MessageConverter converter(options);
-    ResultWriter writer(options);
-    ExitCode result = ExitCode::Success;
-    Interruption::handle();
-    try {
-        if (const int processes = numberOfProcesses(options); processes > 1)
-            convertInProcesses(processes, &source, &converter, &writer);
-        else
-            convertHere(&source, &converter, &writer);
-    } catch (const std::system_error& error) {
-        printError(CommandName, std::string("cannot start a process: ") + error.what() +
-                                    "; what is missing was not converted, give a smaller -j");
-        result = ExitCode::NotDone;
-    }
-    return worse(result, writer.finish());
-}
+// More would be a mistake.
+constexpr int MaxJobs = 256;
 
 // Why one file cannot take the documents; empty if it can.
 std::string whyNoFile(const ConvertOptions& options)
@@ -187,9 +124,10 @@ CLI::App* addConvertCommand(CLI::App* app, ConvertOptions* options)
     addOutputOptions(command, options);
     command
         ->add_option("-j,--jobs", options->jobs,
-                     "Convert in N processes at once; 0: one for each processor")
+                     "Convert in up to N threads; 0, and no -j: one for each processor that may be "
+                     "used")
         ->type_name("N")
-        ->check(CLI::Range(0, Interruption::MaxProcesses).description(""));
+        ->check(CLI::Range(0, MaxJobs).description(""));
     return command;
 }
 
@@ -200,6 +138,9 @@ ExitCode runConvert(const ConvertOptions& given)
     options.isOutputFolder = options.hasOutputFiles() && isFolderName(options.output);
     if (const ExitCode wrong = checkOutput(options); wrong != ExitCode::Success)
         return wrong;
-    const RuleSet rules(options.settings, options.isJson);
-    return rules.isLoaded() ? worse(rules.status(), convertAll(options)) : rules.status();
+    const LoadedRules rules(options.settings, options.isJson);
+    if (!rules.isLoaded())
+        return rules.status();
+    Interruption::handle();
+    return worse(rules.status(), ConversionRun(options, rules.rules()).run());
 }

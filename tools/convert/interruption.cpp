@@ -1,36 +1,21 @@
 #include "interruption.h"
 
+#include "askingsignals.h"
+#include "uninterrupted.h"
+
 #include <atomic>
-#include <cerrno>
 #include <csignal>
 #include <string_view>
-#include <sys/prctl.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace {
 
-constexpr int AskingToEnd[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT};
-
-// Lock-free, therefore a handler may use them.
-std::atomic<pid_t> s_processes[Interruption::MaxProcesses];
-std::atomic<bool> s_isLineShown;
-
-void endProcesses()
-{
-    for (const std::atomic<pid_t>& process : s_processes)
-        if (process != 0)
-            kill(process, SIGTERM);
-    // A process that is writing a file ends when the file is complete.
-    for (const std::atomic<pid_t>& process : s_processes)
-        while (process != 0 && waitpid(process, nullptr, 0) == -1 && errno == EINTR) {
-        }
-}
+std::atomic<bool> s_isLineShown; // lock-free, therefore a handler may use it
 
 // Calls nothing but what is allowed in a handler. The signal comes again when the handler returns.
 void endCommand(int signal)
 {
-    endProcesses();
+    Uninterrupted::end();
     constexpr std::string_view EraseLine = "\r\x1b[K";
     if (s_isLineShown && write(STDERR_FILENO, EraseLine.data(), EraseLine.size()) == -1) {
         // The terminal is gone, so is the line.
@@ -47,9 +32,8 @@ void Interruption::handle()
     {
     };
     action.sa_handler = endCommand;
-    for (const int signal : AskingToEnd)
-        sigaddset(&action.sa_mask, signal);
-    for (const int signal : AskingToEnd) {
+    action.sa_mask = askingSignals();
+    for (const int signal : AskingSignals) {
         struct sigaction before
         {
         };
@@ -59,20 +43,10 @@ void Interruption::handle()
     }
 }
 
-void Interruption::leaveToParent(pid_t parent)
+void Interruption::leaveToOtherThreads()
 {
-    for (const int signal : AskingToEnd)
-        static_cast<void>(std::signal(signal, signal == SIGTERM ? SIG_DFL : SIG_IGN));
-    for (std::atomic<pid_t>& process : s_processes)
-        process = 0;
-    prctl(PR_SET_PDEATHSIG, SIGTERM);
-    if (getppid() != parent) // it ended before
-        _exit(0);
-}
-
-void Interruption::setProcess(int place, pid_t pid)
-{
-    s_processes[place] = pid;
+    const sigset_t asking = askingSignals();
+    pthread_sigmask(SIG_BLOCK, &asking, nullptr);
 }
 
 void Interruption::setLineShown(bool isShown)

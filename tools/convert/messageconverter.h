@@ -1,37 +1,36 @@
 #ifndef MESSAGECONVERTER_H
 #define MESSAGECONVERTER_H
 
-#include "conversion.h"
+#include "adexp.hpp"
 #include "conversionresult.h"
 #include "convertoptions.h"
 #include "message.h"
 
-#include <optional>
 #include <string>
 
 class MessageReports;
 
 /// Does the whole work for one message after another: reads, converts, and writes the document if
-/// it goes to a file.
+/// it goes to a file. For one thread; others have their own, with the same rule set.
 class MessageConverter
 {
 public:
-    /// Works as @p options say, which must outlive the object, with the rule set that is loaded.
-    explicit MessageConverter(const ConvertOptions& options) : m_options(options) {}
+    /// Works as @p options say, with @p rules; both must outlive the object.
+    MessageConverter(const ConvertOptions& options, const adexp::RuleSet& rules);
 
-    /// Converts @p message. The document of the result lives until the next call.
+    /// Converts @p message. Throws std::bad_alloc if memory runs out; the next call works.
     ConversionResult convert(const Message& message);
 
-    /// The result for a @p message that cannot be converted, for the @p reason.
-    ConversionResult notConverted(const Message& message, const std::string& reason);
+    /// The same, but if memory runs out the result says so.
+    ConversionResult convertOrTell(const Message& message);
 
 private:
     void convertInto(const Message& message, MessageReports* reports, ConversionResult* result);
-
-    void write(const std::string& file, MessageReports* reports);
+    void write(const std::string& file, MessageReports* reports) const;
 
     const ConvertOptions& m_options;
-    std::optional<Conversion> m_conversion;
+    const adexp::RuleSet& m_rules;
+    adexp::Result m_converted; // its memory is used again
 };
 
 #endif

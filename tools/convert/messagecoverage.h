@@ -1,13 +1,11 @@
 #ifndef MESSAGECOVERAGE_H
 #define MESSAGECOVERAGE_H
 
+#include "adexp.hpp"
+
 #include <cstdint>
 #include <map>
 #include <string>
-#include <string_view>
-
-class FrameReader;
-class FrameWriter;
 
 /// How often each distinct diagnostic was reported.
 using DiagnosticCounts = std::map<std::string, std::int64_t>;
@@ -22,12 +20,8 @@ struct MessageCoverage
     std::string name;    ///< of the message
     std::string failure; ///< why it was not converted; empty if it was
 
-    /// Takes the title and counts the fields of the @p document of the message.
-    void countDocument(std::string_view document);
-
-    /// For handing it to another process.
-    void writeTo(FrameWriter* frame) const;
-    static MessageCoverage readFrom(FrameReader* frame);
+    /// Takes the title, and counts the fields that are in the document.
+    void count(const adexp::Result& result);
 };
 
 #endif

@@ -4,38 +4,36 @@
 #include "findingjson.h"
 #include "inputfile.h"
 
-#include <QJsonObject>
 #include <QString>
 
 MessageReports::MessageReports(const Message& message, const ConvertOptions& options,
                                ConversionResult* result)
-    : m_message(message),
-      m_options(options),
-      m_result(result),
-      m_collector([this](const QString& line) { foundLine(line); })
+    : m_message(message), m_options(options), m_result(result)
 {
     if (options.summary)
         m_result->coverage.name = message.name();
 }
 
-// Each finding comes with its line, see foundLine().
-void MessageReports::found(const Finding& finding)
+void MessageReports::add(const adexp::Findings& findings)
 {
-    if (m_options.isJson && m_options.showsReports())
-        m_result->reports += jsonLine(placed(findingJson(finding)));
+    if (findings.empty())
+        return;
+    m_result->status = worse(m_result->status, ExitCode::WithDiagnostics);
+    if (m_options.wantsFindings())
+        for (const adexp::Finding finding : findings)
+            add(finding);
 }
 
-void MessageReports::foundLine(const QString& line)
+void MessageReports::add(const adexp::Finding& finding)
 {
-    m_result->status = worse(m_result->status, ExitCode::WithDiagnostics);
-    const bool isShown = m_options.showsReports() && !m_options.isJson;
-    if (!isShown && !m_options.summary)
-        return;
-    const std::string text = line.toStdString();
-    if (isShown)
-        m_result->reports += errorLine(m_message.name(), text);
     if (m_options.summary)
-        ++m_result->coverage.diagnostics[text];
+        ++m_result->coverage.diagnostics[std::string(finding.line())];
+    if (!m_options.showsReports())
+        return;
+    if (m_options.isJson)
+        m_result->reports += jsonLine(placed(findingJson(finding)));
+    else
+        m_result->reports += errorLine(m_message.name(), finding.line());
 }
 
 void MessageReports::notConverted(const std::string& reason)

@@ -29,6 +29,7 @@ Next MessageSource::next(Message* message, Waiting waiting)
         m_file.reset();
     }
     message->input = m_input.argument;
+    message->part = taken();
     if (m_documents && message->failure.empty())
         m_documents->assign(m_input, message);
     return Next::Taken;
@@ -71,6 +72,7 @@ Next MessageSource::nextRecord(Message* message, Waiting waiting)
     return result;
 }
 
+// Which part of all inputs was taken, from 0 to 1; nothing if that cannot be known.
 std::optional<double> MessageSource::taken() const
 {
     const std::optional<std::size_t> count = m_inputs.count();

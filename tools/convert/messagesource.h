@@ -23,13 +23,11 @@ public:
     /// The file descriptor that next() would wait for; -1 if it never waits.
     int descriptor() const { return m_records ? m_file->descriptor() : m_inputs.descriptor(); }
 
-    /// Which part of all inputs was taken, from 0 to 1; nothing if that cannot be known.
-    std::optional<double> taken() const;
-
 private:
     int separator() const;
     bool openRecords(Message* message);
     Next nextRecord(Message* message, Waiting waiting);
+    std::optional<double> taken() const;
 
     const ConvertOptions& m_options;
     InputList m_inputs;

@@ -19,7 +19,7 @@ ResultWriter::ResultWriter(const ConvertOptions& options)
 {
 }
 
-bool ResultWriter::write(const ConversionResult& result, std::optional<double> part)
+bool ResultWriter::write(const ConversionResult& result)
 {
     m_status = worse(m_status, result.status);
     if (!result.reports.empty()) {
@@ -32,7 +32,7 @@ bool ResultWriter::write(const ConversionResult& result, std::optional<double> p
         m_out.write(std::string_view("\0", 1));
     if (m_options.summary)
         m_coverage.add(result.coverage);
-    m_progress.show(++m_messages, part);
+    m_progress.show(++m_messages, result.part);
     return !m_out.hasFailed();
 }
 

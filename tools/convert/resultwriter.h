@@ -9,7 +9,6 @@
 #include "progressline.h"
 
 #include <cstdint>
-#include <optional>
 
 /// Puts the results of `adexp convert` where they belong: documents and summary to standard output,
 /// reports to standard error. A report never stands before the documents of the messages before it,
@@ -20,9 +19,8 @@ public:
     /// Writes as @p options say, which must outlive the object.
     explicit ResultWriter(const ConvertOptions& options);
 
-    /// Writes the @p result of the next message; @p part (0 to 1) of all the work is done, if that
-    /// is known. False if standard output takes no more.
-    bool write(const ConversionResult& result, std::optional<double> part);
+    /// Writes the @p result of the next message. False if standard output takes no more.
+    bool write(const ConversionResult& result);
 
     /// Hands on what was written so far: the next message may be long in coming.
     void flush();

@@ -3,8 +3,8 @@
 #include "commandline.h"
 #include "console.h"
 #include "definitions.h"
-#include "diagnosticcollector.h"
-#include "termstd.h"
+#include "grammar/termstd.h"
+#include "loadedrules.h"
 
 #include <CLI/CLI.hpp>
 
@@ -22,38 +22,35 @@ constexpr const char* DumpFooter =
     "  adexp dump ARCID\n"
     "  adexp dump --settings my.ini\n";
 
-void printAll(StandardOutput* out)
+void printAll(const MainClass& rules, StandardOutput* out)
 {
-    for (const TermStd* definition : allDefinitions())
+    for (const TermStd* definition : allDefinitions(rules))
         out->write((definition->config.recordName + QLatin1String(" = ") +
                     definition->dumpData(true) + QLatin1Char('\n'))
                        .toStdString());
 }
 
 // False if there is no definition of that name.
-bool printNamed(const QString& name, StandardOutput* out)
+bool printNamed(const MainClass& rules, const QString& name, StandardOutput* out)
 {
-    const std::vector<TermStd*> definitions = definitionsNamed(name);
+    const std::vector<TermStd*> definitions = definitionsNamed(rules, name);
     for (const TermStd* definition : definitions)
         out->write((definition->dumpData(true) + QLatin1Char('\n')).toStdString());
     return !definitions.empty();
 }
 
-ExitCode dump(const std::string& name)
+ExitCode dump(const MainClass& rules, const std::string& name)
 {
     // All names in a rule set are in upper case.
     const QString recordName = QString::fromStdString(name).toUpper();
-    const DiagnosticCollector diagnostics{std::string_view(CommandName)};
     StandardOutput out;
     if (recordName.isEmpty()) {
-        printAll(&out);
-    } else if (!printNamed(recordName, &out)) {
-        printUnknownName(recordName);
+        printAll(rules, &out);
+    } else if (!printNamed(rules, recordName, &out)) {
+        printUnknownName(rules, recordName);
         return ExitCode::NotDone;
     }
-    if (!out.flush())
-        return ExitCode::NotDone;
-    return diagnostics.count() == 0 ? ExitCode::Success : ExitCode::WithDiagnostics;
+    return out.flush() ? ExitCode::Success : ExitCode::NotDone;
 }
 
 } // namespace
@@ -69,6 +66,8 @@ CLI::App* addDumpCommand(CLI::App* app, DumpOptions* options)
 
 ExitCode runDump(const DumpOptions& options)
 {
-    const RuleSet rules(options.settings);
-    return rules.isLoaded() ? worse(rules.status(), dump(options.name)) : rules.status();
+    const LoadedRules rules(options.settings);
+    if (!rules.isLoaded())
+        return rules.status();
+    return worse(rules.status(), dump(insideOf(rules.rules()), options.name));
 }

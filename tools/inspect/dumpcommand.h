@@ -2,7 +2,7 @@
 #define DUMPCOMMAND_H
 
 #include "exitcodes.h"
-#include "ruleset.h"
+#include "settingsfile.h"
 
 #include <string>
 

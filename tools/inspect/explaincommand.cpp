@@ -3,9 +3,10 @@
 #include "commandline.h"
 #include "console.h"
 #include "definitions.h"
+#include "grammar/termstd.h"
+#include "loadedrules.h"
 #include "rulefile.h"
 #include "termfacts.h"
-#include "termstd.h"
 #include "termtree.h"
 
 #include <CLI/CLI.hpp>
@@ -56,10 +57,10 @@ QString lengthText(const TermStd* definition)
                      : QStringLiteral("no limit");
 }
 
-QStringList referringTo(const QString& name)
+QStringList referringTo(const MainClass& rules, const QString& name)
 {
     QStringList names;
-    for (const TermStd* definition : allDefinitions()) {
+    for (const TermStd* definition : allDefinitions(rules)) {
         if (referencesOf(definition).contains(name))
             names.append(definition->config.recordName);
     }
@@ -83,7 +84,7 @@ void printLine(StandardOutput* out, const QString& label, const QString& text)
     out->write(escaped((label + text).toStdString()) + '\n');
 }
 
-void explain(const TermStd* definition, StandardOutput* out)
+void explain(const MainClass& rules, const TermStd* definition, StandardOutput* out)
 {
     const ConfigInfo& config = definition->config;
     std::vector<RuleRecord> records;
@@ -105,17 +106,17 @@ void explain(const TermStd* definition, StandardOutput* out)
     // Nothing refers to a message rule, also if it shares the name of a field.
     if (definition->type() != TermTypeMsgRule)
         printLine(out, QStringLiteral("Referred to by: "),
-                  listText(referringTo(config.recordName)));
+                  listText(referringTo(rules, config.recordName)));
     printLine(out, QStringLiteral("Compiled form:"), {});
     out->write(indented(termTree(definition)) + '\n');
 }
 
 // The name of a term and a message rule that share it is shown once.
-ExitCode printNames()
+ExitCode printNames(const MainClass& rules)
 {
     StandardOutput out;
     QSet<QString> shown;
-    for (const TermStd* definition : allDefinitions()) {
+    for (const TermStd* definition : allDefinitions(rules)) {
         const QString& name = definition->config.recordName;
         if (!shown.contains(name))
             printLine(&out, name, {});
@@ -124,22 +125,22 @@ ExitCode printNames()
     return out.flush() ? ExitCode::Success : ExitCode::NotDone;
 }
 
-ExitCode explain(const std::string& name)
+ExitCode explainName(const MainClass& rules, const std::string& name)
 {
     if (name.empty())
-        return printNames();
+        return printNames(rules);
     // All names in a rule set are in upper case.
     const QString recordName = QString::fromStdString(name).toUpper();
-    const std::vector<TermStd*> definitions = definitionsNamed(recordName);
+    const std::vector<TermStd*> definitions = definitionsNamed(rules, recordName);
     if (definitions.empty()) {
-        printUnknownName(recordName);
+        printUnknownName(rules, recordName);
         return ExitCode::NotDone;
     }
     StandardOutput out;
     for (const TermStd* definition : definitions) {
         if (definition != definitions.front())
             out.write("\n");
-        explain(definition, &out);
+        explain(rules, definition, &out);
     }
     return out.flush() ? ExitCode::Success : ExitCode::NotDone;
 }
@@ -158,6 +159,8 @@ CLI::App* addExplainCommand(CLI::App* app, ExplainOptions* options)
 
 ExitCode runExplain(const ExplainOptions& options)
 {
-    const RuleSet rules(options.settings);
-    return rules.isLoaded() ? worse(rules.status(), explain(options.name)) : rules.status();
+    const LoadedRules rules(options.settings);
+    if (!rules.isLoaded())
+        return rules.status();
+    return worse(rules.status(), explainName(insideOf(rules.rules()), options.name));
 }

@@ -1,17 +1,15 @@
 #include "matchcommand.h"
 
-#include "adexplib.h"
 #include "commandline.h"
 #include "console.h"
-#include "definitionnesting.h"
 #include "definitions.h"
-#include "diagnosticcollector.h"
 #include "findingjson.h"
-#include "findingobserver.h"
-#include "mainclass.h"
-#include "matchingsteps.h"
+#include "grammar/definitionnesting.h"
+#include "grammar/termexpression.h"
+#include "load/mainclass.h"
+#include "loadedrules.h"
 #include "matchtrace.h"
-#include "termexpression.h"
+#include "report/reporter.h"
 
 #include <CLI/CLI.hpp>
 
@@ -33,10 +31,10 @@ constexpr const char* MatchFooter =
     "  adexp match EOBT 0560\n"
     "  adexp match --expr \"ALPHA ! 3{DIGIT}3\" F35\n";
 
-class FirstFinding : public FindingObserver
+class FirstFinding : public Reporter
 {
 public:
-    void found(const Finding& finding) override
+    void report(const Finding& finding) override
     {
         if (first.text.isEmpty())
             first = finding;
@@ -96,9 +94,8 @@ QJsonObject jsonResult(const MatchTrace& trace, const QString& text)
 
 ExitCode show(TermStd* term, const QString& text, bool isJson)
 {
-    const MatchingSteps steps(text.size());
     const MatchTrace trace(term, text);
-    if (steps.areExhausted()) {
+    if (trace.areStepsExhausted()) {
         printError(text.toStdString(), "takes too many steps to be matched; put fewer repeats into "
                                        "each other in the definition");
         return ExitCode::NotDone;
@@ -119,15 +116,14 @@ void printExpressionError(const QString& expression, const Finding& finding)
 }
 
 // The checked term of the expression; null after a message.
-std::unique_ptr<TermStd> compile(const std::string& text)
+std::unique_ptr<TermStd> compile(const MainClass& rules, const std::string& text)
 {
     ConfigInfo record;
     record.ruleText = QString::fromStdString(text).toUpper();
-    const DiagnosticCollector silent([](const QString&) {});
     FirstFinding errors;
-    std::unique_ptr<TermStd> term(TermExpression::append_expression(&record, true));
-    if (term && (!DefinitionNesting(&mc->termsList).isWithinLimits(term.get()) ||
-                 !term->check_config(&mc->termsList)))
+    std::unique_ptr<TermStd> term(TermExpression::append_expression(&record, true, &errors));
+    if (term && (!DefinitionNesting(&rules.termsList).isWithinLimits(term.get(), &errors) ||
+                 !term->check_config(&rules.termsList, &errors)))
         term.reset();
     if (!errors.first.text.isEmpty())
         printExpressionError(record.ruleText.simplified(), errors.first);
@@ -135,12 +131,12 @@ std::unique_ptr<TermStd> compile(const std::string& text)
 }
 
 // The definition whose data is matched as a text; null after a message.
-TermStd* findDefinition(const std::string& name)
+TermStd* findDefinition(const MainClass& rules, const std::string& name)
 {
     const QString recordName = QString::fromStdString(name).toUpper();
-    const std::vector<TermStd*> definitions = definitionsNamed(recordName);
+    const std::vector<TermStd*> definitions = definitionsNamed(rules, recordName);
     if (definitions.empty()) {
-        printUnknownName(recordName);
+        printUnknownName(rules, recordName);
         return nullptr;
     }
     TermStd* const definition = definitions.front();
@@ -152,14 +148,14 @@ TermStd* findDefinition(const std::string& name)
     return definition;
 }
 
-ExitCode match(const MatchOptions& options)
+ExitCode match(const MainClass& rules, const MatchOptions& options)
 {
     const QString text = QString::fromStdString(options.second ? *options.second : *options.first);
     if (options.expression.empty()) {
-        TermStd* const definition = findDefinition(*options.first);
+        TermStd* const definition = findDefinition(rules, *options.first);
         return definition ? show(definition, text, options.isJson) : ExitCode::NotDone;
     }
-    const std::unique_ptr<TermStd> term = compile(options.expression);
+    const std::unique_ptr<TermStd> term = compile(rules, options.expression);
     return term ? show(term.get(), text, options.isJson) : ExitCode::NotDone;
 }
 
@@ -189,6 +185,8 @@ ExitCode runMatch(const MatchOptions& options)
                        : "match takes a NAME and a TEXT; see adexp match --help");
         return ExitCode::Usage;
     }
-    const RuleSet rules(options.settings);
-    return rules.isLoaded() ? worse(rules.status(), match(options)) : rules.status();
+    const LoadedRules rules(options.settings);
+    if (!rules.isLoaded())
+        return rules.status();
+    return worse(rules.status(), match(insideOf(rules.rules()), options));
 }

@@ -2,7 +2,7 @@
 #define MATCHCOMMAND_H
 
 #include "exitcodes.h"
-#include "ruleset.h"
+#include "settingsfile.h"
 
 #include <optional>
 #include <string>

@@ -1,10 +1,9 @@
 #include "matchtrace.h"
 
-#include "matchingsteps.h"
-#include "termexpression.h"
+#include "grammar/termexpression.h"
+#include "grammar/termvariable.h"
 #include "termfacts.h"
 #include "termtext.h"
-#include "termvariable.h"
 
 #include <algorithm>
 
@@ -38,7 +37,8 @@ QString wordsFor(const TermStd* term)
 
 } // namespace
 
-MatchTrace::MatchTrace(TermStd* term, const QString& text) : m_text(text)
+MatchTrace::MatchTrace(TermStd* term, const QString& text)
+    : m_match(text.size(), &m_reporter), m_text(text)
 {
     m_matched = match(term, 0);
     if (m_stoppedAt >= m_matched && !m_wanted.isEmpty())
@@ -72,7 +72,7 @@ int MatchTrace::match(TermStd* term, int pos)
         return matchOnce(term, pos);
     int count = 0;
     int length = 0;
-    while (count < term->maxRepeat && MatchingSteps::take(1)) {
+    while (count < term->maxRepeat && m_match.takeSteps(1)) {
         const int once = matchOnce(term, pos + length);
         if (once == 0)
             break;
@@ -102,7 +102,7 @@ int MatchTrace::matchOnce(TermStd* term, int pos)
 int MatchTrace::matchLeaf(TermStd* term, int pos)
 {
     const QChar* const data = m_text.constData() + pos;
-    const int length = term->real_parse(data);
+    const int length = term->matchOnce(data, &m_match);
     if (length == 0) {
         // Of a literal the beginning may be there.
         const QString literal = term->type() == TermTypeSimple ? term->ExprRuleStr : QString();

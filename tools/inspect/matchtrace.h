@@ -1,6 +1,9 @@
 #ifndef MATCHTRACE_H
 #define MATCHTRACE_H
 
+#include "grammar/match.h"
+#include "printedreports.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -14,12 +17,15 @@ class TermStd;
 class MatchTrace
 {
 public:
-    /// Matches @p text with @p term (checked, not kept); takes the same MatchingSteps, a character
-    /// of a run counting as a repetition.
+    /// Matches @p text with @p term (checked, not kept); takes the same steps, a character of a
+    /// run counting as a repetition.
     MatchTrace(TermStd* term, const QString& text);
 
     /// UTF-16 units matched from the beginning; 0 is no match.
     int matched() const { return m_matched; }
+
+    /// True if the steps did not suffice: nothing else has a meaning then.
+    bool areStepsExhausted() const { return m_match.areStepsExhausted(); }
 
     /// The last place that was reached and where something else was wanted; that behind the match
     /// if the term asked for nothing more.
@@ -41,6 +47,8 @@ private:
     void stop(int pos, const QString& wanted);
     void stopAtTerm(const TermStd* term, int pos);
 
+    PrintedReports m_reporter;
+    Match m_match;
     QString m_text;
     int m_matched = 0;
     int m_stoppedAt = 0;

@@ -1,6 +1,6 @@
 #include "termtree.h"
 
-#include "termexpression.h"
+#include "grammar/termexpression.h"
 #include "termfacts.h"
 #include "termtext.h"
 

@@ -1,13 +1,11 @@
 #include "treecommand.h"
 
-#include "adexpdoc.h"
-#include "adexplib.h"
 #include "commandline.h"
 #include "console.h"
-#include "conversion.h"
-#include "diagnosticcollector.h"
+#include "fieldtree.h"
 #include "inputfile.h"
-#include "mainclass.h"
+#include "loadedrules.h"
+#include "whynotconverted.h"
 
 #include <CLI/CLI.hpp>
 
@@ -21,30 +19,21 @@ constexpr const char* TreeFooter =
     "Example:\n"
     "  adexp tree plan.adexp\n";
 
-void printTree(const AdexpField& root, StandardOutput* out)
+ExitCode showTree(const std::string& name, const std::string& message, const adexp::RuleSet& rules)
 {
-    const DiagnosticCollector toStandardOutput(
-        [out](const QString& line) { out->write(line.toStdString() + '\n'); });
-    root.dumpData();
-}
-
-ExitCode showTree(const std::string& name, const std::string& message)
-{
-    const DiagnosticCollector diagnostics{std::string_view(name)};
-    AdexpDoc doc(QString::fromUtf8(message.data(), static_cast<int>(message.size())));
-    doc.setRootField(&mc->msgRules);
-    doc.parse();
-
+    const adexp::Result result = rules.convert(message, {false, true, true, 0});
+    for (const adexp::Finding finding : result.findings())
+        printError(name, finding.line());
     StandardOutput out;
-    if (doc.rootField)
-        printTree(*doc.rootField, &out);
+    if (const std::optional<adexp::Field> root = result.message())
+        out.write(fieldTree(*root));
     if (!out.flush())
         return ExitCode::NotDone;
-    if (!doc.rootField || !doc.rootField->fieldTerm) {
-        printError(name, "no fields: " + whyNotConverted(message));
+    if (!result.isOk()) {
+        printError(name, "no fields: " + whyNotConverted(result));
         return ExitCode::NotDone;
     }
-    return diagnostics.count() == 0 ? ExitCode::Success : ExitCode::WithDiagnostics;
+    return result.findings().empty() ? ExitCode::Success : ExitCode::WithDiagnostics;
 }
 
 } // namespace
@@ -66,6 +55,7 @@ ExitCode runTree(const TreeOptions& options)
         printError(name, "no fields: " + error);
         return ExitCode::NotDone;
     }
-    const RuleSet rules(options.settings);
-    return rules.isLoaded() ? worse(rules.status(), showTree(name, message)) : rules.status();
+    const LoadedRules rules(options.settings);
+    return rules.isLoaded() ? worse(rules.status(), showTree(name, message, rules.rules()))
+                            : rules.status();
 }

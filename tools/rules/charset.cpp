@@ -1,6 +1,6 @@
 #include "charset.h"
 
-#include "charclass.h"
+#include "grammar/charclass.h"
 
 #include <algorithm>
 #include <iterator>

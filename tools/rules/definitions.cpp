@@ -1,9 +1,10 @@
 #include "definitions.h"
 
-#include "adexplib.h"
+#include "adexp.hpp"
+#include "api/sharedrules.h"
 #include "console.h"
-#include "mainclass.h"
-#include "msgrule.h"
+#include "load/mainclass.h"
+#include "message/msgrule.h"
 #include "nearestname.h"
 #include "termfacts.h"
 
@@ -24,26 +25,31 @@ void collectReferences(const TermStd* term, QStringList* names)
 
 } // namespace
 
-std::vector<TermStd*> allDefinitions()
+const MainClass& insideOf(const adexp::RuleSet& rules)
 {
-    std::vector<TermStd*> definitions(mc->termsList.begin(), mc->termsList.end());
-    definitions.insert(definitions.end(), mc->msgRules.begin(), mc->msgRules.end());
+    return *rules.handle();
+}
+
+std::vector<TermStd*> allDefinitions(const MainClass& rules)
+{
+    std::vector<TermStd*> definitions(rules.termsList.begin(), rules.termsList.end());
+    definitions.insert(definitions.end(), rules.msgRules.begin(), rules.msgRules.end());
     return definitions;
 }
 
-std::vector<TermStd*> definitionsNamed(const QString& name)
+std::vector<TermStd*> definitionsNamed(const MainClass& rules, const QString& name)
 {
     std::vector<TermStd*> named;
-    const std::vector<TermStd*> all = allDefinitions();
+    const std::vector<TermStd*> all = allDefinitions(rules);
     std::copy_if(all.begin(), all.end(), std::back_inserter(named),
                  [&name](const TermStd* one) { return one->config.recordName == name; });
     return named;
 }
 
-void printUnknownName(const QString& name)
+void printUnknownName(const MainClass& rules, const QString& name)
 {
     std::vector<std::string> known;
-    for (const TermStd* definition : allDefinitions())
+    for (const TermStd* definition : allDefinitions(rules))
         known.push_back(definition->config.recordName.toStdString());
     std::string text = "there is no term and no message rule of that name";
     if (const std::string nearest = nearestName(name.toStdString(), known); !nearest.empty())

@@ -1,6 +1,6 @@
 #include "rulefile.h"
 
-#include "xmllimits.h"
+#include "load/xmllimits.h"
 
 #include <QDomDocument>
 #include <QFile>

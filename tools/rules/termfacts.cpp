@@ -1,8 +1,8 @@
 #include "termfacts.h"
 
-#include "charclass.h"
-#include "termexpression.h"
-#include "termvariable.h"
+#include "grammar/charclass.h"
+#include "grammar/termexpression.h"
+#include "grammar/termvariable.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 #include "termtext.h"
 
-#include "termstd.h"
+#include "grammar/termstd.h"
 
 namespace {
 

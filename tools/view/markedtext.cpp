@@ -1,6 +1,7 @@
 #include "markedtext.h"
 
 #include "html.h"
+#include "message/adexpfield.h"
 
 #include <algorithm>
 #include <set>
@@ -168,7 +169,7 @@ void MarkedText::writeGap(int begin, int end)
 void MarkedText::openMark(size_t finding)
 {
     const std::string number = std::to_string(finding + 1);
-    const bool isWarning = m_findings[finding].severity == Severity::Warning;
+    const bool isWarning = m_findings[finding].severity == adexp::Severity::Warning;
     m_html += isWarning ? "<mark class=\"warning\"" : "<mark class=\"error\"";
     if (!m_isBegun[finding])
         m_html += " id=\"m" + number + '"';

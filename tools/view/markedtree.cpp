@@ -1,6 +1,7 @@
 #include "markedtree.h"
 
 #include "html.h"
+#include "message/adexpfield.h"
 
 #include <algorithm>
 
@@ -128,7 +129,7 @@ void MarkedTree::appendFindingNumbers(size_t index, std::string* html) const
     const size_t numbers = std::min(findings.size(), MostNumbers);
     for (size_t i = 0; i < numbers; ++i) {
         const std::string number = std::to_string(findings[i] + 1);
-        const bool isWarning = m_findings[findings[i]].severity == Severity::Warning;
+        const bool isWarning = m_findings[findings[i]].severity == adexp::Severity::Warning;
         *html += "<span class=\"number ";
         *html += isWarning ? "warning" : "error";
         html->append("\" title=\"finding ").append(number);

@@ -3,7 +3,7 @@
 
 #include "messagefinding.h"
 
-#include <QStringView>
+#include <QString>
 
 #include <vector>
 
@@ -13,8 +13,8 @@
 /// parent and behind those of the siblings before it, and holds whole characters.
 struct MessageField
 {
-    QStringView name; ///< keyword without hyphen; name of a block; title
-    QStringView data; ///< its own data; may be empty
+    QString name;     ///< keyword without hyphen; name of a block; title
+    QString data;     ///< its own data; may be empty
     bool isKnown;     ///< it matched a definition
     int item;         ///< number of the list item that it opens; 0: it opens none
     int parent;       ///< index of the parent; -1 for the root

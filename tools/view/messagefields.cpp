@@ -1,26 +1,54 @@
 #include "messagefields.h"
 
-#include "adexpfield.h"
+#include "unicode.h"
 
 #include <algorithm>
 
 namespace {
 
+// Behind the keyword of the field that begins there; behind the name of a block, and behind the
+// title, which is the next word.
+int keywordEndOf(const adexp::Field& field, int begin, const TextPlaces& places)
+{
+    const int end = places.wordEnd(begin);
+    const QString name = unicode(field.name());
+    const bool isName = !field.isList() && field.parent() &&
+                        (places.isWord(begin, end, name) || places.isWord(begin, end, u'-' + name));
+    return isName || field.name().empty() ? end : places.wordEnd(places.nextWord(end));
+}
+
+// Of the "-END" or "- END" of a block that ends there; without one the end.
+int endKeywordOf(const adexp::Field& field, int end, const TextPlaces& places)
+{
+    const int name = places.wordBegin(end);
+    const int keywordEnd = places.previousWordEnd(name);
+    const int keyword = places.wordBegin(keywordEnd);
+    const bool isEnd = field.isList() && places.isWord(name, end, unicode(field.name()));
+    if (isEnd && places.isWord(keyword, keywordEnd, u"-END"))
+        return keyword;
+    const int hyphenEnd = places.previousWordEnd(keyword);
+    const int hyphen = places.wordBegin(hyphenEnd);
+    return isEnd && places.isWord(keyword, keywordEnd, u"END") &&
+                   places.isWord(hyphen, hyphenEnd, u"-")
+               ? hyphen
+               : end;
+}
+
 // What the field itself knows; an unset end is taken for that of the keyword. A call for each
 // level, which the rule set bounds.
-void collect(const AdexpField* field, int parent, const TextPlaces& places, MessageFields* fields)
+void collect(const adexp::Field& field, int parent, const TextPlaces& places, MessageFields* fields)
 {
     const int index = static_cast<int>(fields->size());
     const int depth = parent == -1 ? 0 : (*fields)[static_cast<size_t>(parent)].depth + 1;
-    const int begin = places.characterBegin(field->fieldBegin);
-    const int keywordEnd = std::max(places.wordEnd(begin), places.endOf(field->fieldName));
-    const int end = std::max(places.characterBegin(field->fieldEnd), keywordEnd);
-    const int endKeyword = field->isList ? places.characterBegin(field->endTextPoint) : end;
-    fields->push_back({field->fieldName, field->fieldData, field->fieldTerm != nullptr,
-                       field->itemIndex, parent, depth, begin, keywordEnd, endKeyword, end,
-                       static_cast<int>(field->subFields.size())});
-    for (const AdexpField* sub : field->subFields)
+    const int begin = places.characterBegin(field.place().begin);
+    const int keywordEnd = keywordEndOf(field, begin, places);
+    const int end = std::max(places.characterBegin(field.place().end), keywordEnd);
+    fields->push_back({unicode(field.name()), unicode(field.data()), field.isKnown(), field.item(),
+                       parent, depth, begin, keywordEnd, endKeywordOf(field, end, places), end, 0});
+    for (const adexp::Field sub : field.children()) {
+        ++(*fields)[static_cast<size_t>(index)].subFields;
         collect(sub, index, places, fields);
+    }
 }
 
 // A field reaches as far as those in it.
@@ -70,7 +98,7 @@ void numberItemsOnce(MessageFields* fields)
 
 } // namespace
 
-MessageFields messageFields(const AdexpField* root, const TextPlaces& places)
+MessageFields messageFields(const adexp::Field& root, const TextPlaces& places)
 {
     MessageFields fields;
     collect(root, -1, places, &fields);

@@ -1,7 +1,7 @@
 #ifndef MESSAGEFINDING_H
 #define MESSAGEFINDING_H
 
-#include "findingobserver.h"
+#include "adexp.hpp"
 
 #include <QString>
 
@@ -10,10 +10,10 @@
 /// A finding as the page of a message shows it. Positions count UTF-16 units of the text from 0.
 struct MessageFinding
 {
-    Severity severity;
-    QString text;   ///< what was found; never empty
-    QString detail; ///< the text that it was found in; may be empty
-    int begin;      ///< -1: it has no place
+    adexp::Severity severity; ///< Warning or Error
+    QString text;             ///< what was found; never empty
+    QString detail;           ///< the text that it was found in; may be empty
+    int begin;                ///< -1: it has no place
     int end;
     int count = 1; ///< how often it was reported
 };

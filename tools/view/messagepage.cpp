@@ -109,12 +109,12 @@ std::string MessagePage::heading() const
 
 std::string MessagePage::counts() const
 {
-    const auto countFindings = [this](Severity severity) {
+    const auto countFindings = [this](adexp::Severity severity) {
         return std::count_if(m_content.findings.cbegin(), m_content.findings.cend(),
                              [severity](const auto& item) { return item.severity == severity; });
     };
-    const auto errors = countFindings(Severity::Error);
-    const auto warnings = countFindings(Severity::Warning);
+    const auto errors = countFindings(adexp::Severity::Error);
+    const auto warnings = countFindings(adexp::Severity::Warning);
     const auto unknown = std::count_if(m_content.fields.cbegin(), m_content.fields.cend(),
                                        [](const MessageField& field) { return !field.isKnown; });
 

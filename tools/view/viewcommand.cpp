@@ -1,18 +1,16 @@
 #include "viewcommand.h"
 
-#include "adexpdoc.h"
-#include "adexplib.h"
 #include "commandline.h"
 #include "console.h"
-#include "conversion.h"
-#include "diagnosticcollector.h"
-#include "findingcollector.h"
 #include "inputfile.h"
-#include "mainclass.h"
+#include "loadedrules.h"
 #include "messagefields.h"
+#include "messagefindings.h"
 #include "messagepage.h"
 #include "outputfile.h"
 #include "readfiles.h"
+#include "unicode.h"
+#include "whynotconverted.h"
 
 #include <CLI/CLI.hpp>
 
@@ -51,21 +49,23 @@ bool writePage(const ViewOptions& options, const std::string& page)
     return true;
 }
 
-ExitCode view(const ViewOptions& options, const std::string& message)
+ExitCode view(const ViewOptions& options, const std::string& message, const adexp::RuleSet& rules)
 {
     const std::string name = displayName(options.file);
-    const DiagnosticCollector diagnostics{std::string_view(name)};
-    FindingCollector findings;
-    AdexpDoc doc(QString::fromUtf8(message.data(), static_cast<int>(message.size())));
-    doc.setRootField(&mc->msgRules);
-    doc.parse();
+    const adexp::Result result = rules.convert(message, {false, true, true, 0});
+    for (const adexp::Finding finding : result.findings())
+        printError(name, finding.line());
 
-    PageContent content{name, options.settings, {}, doc.msgParam.title, doc.msgParam.text, {}, {}};
-    content.findings = findings.inTextOrder();
-    if (doc.rootField && doc.rootField->fieldTerm)
-        content.fields = messageFields(doc.rootField, TextPlaces(doc.msgParam.text));
-    else
-        content.failure = whyNotConverted(message);
+    const QString text = unicode(message).remove(u'\r'); // as the positions count it
+    PageContent content{name,
+                        options.settings,
+                        whyNotConverted(result),
+                        unicode(result.title()),
+                        text,
+                        {},
+                        messageFindings(result.findings())};
+    if (result.isOk())
+        content.fields = messageFields(*result.message(), TextPlaces(text));
     countFindings(content.findings, &content.fields);
     if (!writePage(options, MessagePage(content).html()))
         return ExitCode::NotDone;
@@ -73,7 +73,7 @@ ExitCode view(const ViewOptions& options, const std::string& message)
         printError(name, "no fields: " + content.failure);
         return ExitCode::NotDone;
     }
-    return diagnostics.count() == 0 ? ExitCode::Success : ExitCode::WithDiagnostics;
+    return result.findings().empty() ? ExitCode::Success : ExitCode::WithDiagnostics;
 }
 
 ExitCode runComplete(const ViewOptions& options)
@@ -83,14 +83,14 @@ ExitCode runComplete(const ViewOptions& options)
         printError(displayName(options.file), "no page: " + error);
         return ExitCode::NotDone;
     }
-    const RuleSet rules(options.settings);
+    const LoadedRules rules(options.settings);
     if (!rules.isLoaded())
         return rules.status();
     if (const std::string error = checkOutput(options); !error.empty()) {
         printError(options.output, "cannot be written: " + error);
         return ExitCode::NotDone;
     }
-    return worse(rules.status(), view(options, message));
+    return worse(rules.status(), view(options, message, rules.rules()));
 }
 
 } // namespace

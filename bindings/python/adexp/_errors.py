@@ -23,7 +23,4 @@ class NoDocumentError(AdexpError):
 
 
 class InUseError(RuntimeError):
-    """There is a converter already. The library has one rule set for each process: close the
-    converter before, or use it; several at a time need several processes.
-
-    Or a signal handler uses a converter that it has interrupted."""
+    """Was raised by version 1.0, which had one converter in a process. Now nothing raises it."""
