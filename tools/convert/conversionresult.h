@@ -4,15 +4,17 @@
 #include "exitcodes.h"
 #include "messagecoverage.h"
 
+#include <cstddef>
 #include <optional>
 #include <string>
 
-/// What became of one message.
+/// What became of a message, or of some that follow each other.
 struct ConversionResult
 {
+    std::size_t messages = 1;
     ExitCode status = ExitCode::Success;
     std::string reports;        ///< lines for standard error
-    std::string document;       ///< for standard output; empty: none
+    std::string document;       ///< for standard output, or one behind the other; empty: none
     MessageCoverage coverage;   ///< for the summary; empty without one
     std::optional<double> part; ///< see Message
 };

@@ -22,6 +22,16 @@ std::size_t memoryOf(const ConversionResult& result)
     return sizeof result + result.document.size() + result.reports.size();
 }
 
+// Blocks of memory that one thread takes and another one gives back are dear, so that documents are
+// joined.
+void join(const ConversionResult& result, ConversionResult* before)
+{
+    before->messages += result.messages;
+    before->status = worse(before->status, result.status);
+    before->document += result.document;
+    before->part = result.part;
+}
+
 // The memory of a further thread begins with 64 MiB of address space. Where that is limited, all
 // take theirs from the memory of the first one.
 void shareScarceMemory()
@@ -59,12 +69,11 @@ bool ConversionThreads::areIdle() const
 bool ConversionThreads::haveRoom() const
 {
     const std::lock_guard lock(m_mutex);
-    return m_waiting < std::max<std::size_t>(m_most, 1) && m_bytes < MaxBytes;
+    return m_waiting < 2 * std::max<std::size_t>(m_most, 1) && m_bytes < MaxBytes;
 }
 
 bool ConversionThreads::give(Batch* batch)
 {
-    batch->results.resize(batch->messages.size());
     if (isThreadWanted())
         startOne();
     if (m_threads.empty())
@@ -109,12 +118,13 @@ bool ConversionThreads::takeNext(ConversionResult* result)
     if (m_window.empty())
         return false;
     Batch& first = m_window.front();
-    if (first.taken == first.converted)
+    if (first.results.empty())
         return false;
-    *result = std::move(first.results[first.taken++]);
+    *result = std::move(first.results.front());
+    first.results.pop_front();
     const bool hadRoom = m_bytes < MaxBytes;
     m_bytes -= memoryOf(*result);
-    const bool isDone = first.taken == first.messages.size();
+    const bool isDone = first.results.empty() && first.converted == first.messages.size();
     if (isDone)
         m_window.pop_front();
     if (isDone || (!hadRoom && m_bytes < MaxBytes))
@@ -142,14 +152,37 @@ void ConversionThreads::convertBatches()
         while (batch->converted < batch->messages.size()) {
             if (!waitForRoom(*batch, &lock))
                 return;
+            const std::size_t begin = batch->converted;
             lock.unlock();
-            const Message message = std::move(batch->messages[batch->converted]);
-            ConversionResult result = convert(message, &converter);
+            Results results = convertSome(batch->messages, begin, &converter);
             lock.lock();
-            keep(std::move(result), batch);
+            for (ConversionResult& result : results) {
+                m_bytes += memoryOf(result);
+                batch->converted += result.messages;
+                batch->results.push_back(std::move(result));
+            }
+            m_news->call();
         }
         --m_busy;
     }
+}
+
+// Converts messages from the one at `begin` on, until the results are worth waking the other thread.
+ConversionThreads::Results ConversionThreads::convertSome(const std::vector<Message>& messages,
+                                                          std::size_t begin,
+                                                          MessageConverter* converter)
+{
+    Results results;
+    std::size_t bytes = 0;
+    for (std::size_t i = begin; i < messages.size() && bytes < EnoughForNews; ++i) {
+        ConversionResult result = convert(messages[i], converter);
+        bytes += memoryOf(result);
+        if (results.empty() || !canJoin(result))
+            results.push_back(std::move(result));
+        else
+            join(result, &results.back());
+    }
+    return results;
 }
 
 // The next batch, which from then on belongs to this thread; null at the end.
@@ -185,14 +218,9 @@ ConversionResult ConversionThreads::convert(const Message& message, MessageConve
     return converter->convertOrTell(message);
 }
 
-void ConversionThreads::keep(ConversionResult result, Batch* batch)
+// May the result be written together with the one before it?
+bool ConversionThreads::canJoin(const ConversionResult& result) const
 {
-    const std::size_t bytes = memoryOf(result);
-    m_bytes += bytes;
-    m_bytesNews += isFirst(*batch) ? bytes : 0;
-    batch->results[batch->converted++] = std::move(result);
-    if (batch->converted == batch->messages.size() || m_bytesNews >= EnoughForNews) {
-        m_bytesNews = 0;
-        m_news->call();
-    }
+    const bool standsAlone = m_options.summary || m_options.nul;
+    return !standsAlone && result.reports.empty() && result.document.size() < EnoughForNews;
 }

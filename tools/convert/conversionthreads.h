@@ -42,7 +42,7 @@ public:
     /// Takes @p batch over. False if there is no thread, and none can be started.
     bool give(Batch* batch);
 
-    /// Takes the result of the next message, if it is there. Throws std::bad_alloc if memory ran
+    /// Takes the next result, if it is there. Throws std::bad_alloc if memory ran
     /// out in a thread beyond what one message needs.
     bool takeNext(ConversionResult* result);
 
@@ -60,8 +60,11 @@ private:
     void convertBatches();
     Batch* waitForBatch(std::unique_lock<std::mutex>* lock);
     bool waitForRoom(const Batch& batch, std::unique_lock<std::mutex>* lock);
+    using Results = std::vector<ConversionResult>;
+    Results convertSome(const std::vector<Message>& messages, std::size_t begin,
+                        MessageConverter* converter);
     ConversionResult convert(const Message& message, MessageConverter* converter);
-    void keep(ConversionResult result, Batch* batch);
+    bool canJoin(const ConversionResult& result) const;
     bool isFirst(const Batch& batch) const { return &batch == &m_window.front(); }
 
     std::size_t m_most;
@@ -72,11 +75,10 @@ private:
 
     mutable std::mutex m_mutex; // of all that follows
     std::condition_variable m_changed;
-    std::deque<Batch> m_window;  // from the first one with a result that was not taken
-    std::size_t m_waiting = 0;   // batches at its end that no thread has begun
-    std::size_t m_busy = 0;      // threads with a batch
-    std::size_t m_bytes = 0;     // of messages in batches that wait, and of results
-    std::size_t m_bytesNews = 0; // of results of the first batch that nobody was told of
+    std::deque<Batch> m_window; // from the first one with a result that was not taken
+    std::size_t m_waiting = 0;  // batches at its end that no thread has begun
+    std::size_t m_busy = 0;     // threads with a batch
+    std::size_t m_bytes = 0;    // of messages in batches that wait, and of results
     bool m_isEnding = false;
     std::exception_ptr m_failure;
 

@@ -32,7 +32,8 @@ bool ResultWriter::write(const ConversionResult& result)
         m_out.write(std::string_view("\0", 1));
     if (m_options.summary)
         m_coverage.add(result.coverage);
-    m_progress.show(++m_messages, result.part);
+    m_messages += result.messages;
+    m_progress.show(m_messages, result.part);
     return !m_out.hasFailed();
 }
 
