@@ -55,7 +55,7 @@ install(DIRECTORY schemas/ DESTINATION ${data_dir}/schemas)
 install(FILES README.md CHANGELOG.md CONTRIBUTING.md LICENSE SECURITY.md
     DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY docs samples DESTINATION ${CMAKE_INSTALL_DOCDIR})
-install(FILES examples/convert.c examples/reports.cpp examples/table.py
+install(FILES examples/convert.c examples/findings.cpp examples/table.py
     DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples)
 
 # The reference of all fields and messages, which is made from the rule files

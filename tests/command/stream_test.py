@@ -489,6 +489,10 @@ class Json(CommandTest):
         self.assertIn(finding["severity"], ("warning", "error"))
         self.assertNotIn("message", finding)
 
+    def test_a_byte_order_mark_in_a_finding_is_kept(self):
+        result = self.convert("--format", "json", self.write("a", "X \ufeffY " + MESSAGE))
+        self.assertEqual(["X", "\ufeffY"], [finding["detail"] for finding in self.lines(result)])
+
     def test_messages_of_a_stream_have_their_number(self):
         result = self.convert("--format", "json", "--lines", stdin="%s\n%s" % (MESSAGE, REPORTED))
         (finding,) = self.lines(result)

@@ -21,7 +21,7 @@ SHORT_SAMPLE = pages.ROOT / "samples" / "rfi-ready-for-improvement.adexp"
 COMMAND_PAGE = pages.ROOT / "docs/command.md"
 # Kinds of blocks and where they are tested.
 TESTED = {"console": "here", "drawing": "check-layers", "sh": "programs_test.py", "c": "programs_test.py",
-          "cpp": "programs_test.py", "python": "programs_test.py"}
+          "cpp": "programs_test.py", "output": "programs_test.py", "python": "programs_test.py"}
 TESTED_IN_GUIDE = {"match", "compile", "report", "convert"}  # by guide_test.cpp
 # Where the packages put what the sources have here.
 INSTALLED = {"/usr/share/adexp/schemas": str(pages.ROOT / "schemas")}

@@ -20,6 +20,7 @@ import pages
 
 INSTALL_PAGE = pages.ROOT / "docs/install.md"
 COMMAND_PAGE = pages.ROOT / "docs/command.md"
+LIBRARY_PAGE = pages.ROOT / "docs/library.md"
 PYTHON_PAGE = pages.ROOT / "bindings/python/README.md"
 # The words that lines begin with that are not run.
 SCRIPTS = ("./run", "./test", ".ci/", "scripts/", "fuzz/", "bench/")
@@ -81,12 +82,26 @@ class Programs(unittest.TestCase):
         return subprocess.run([BUILD / "adexp", "convert", *arguments], input=message,
                               capture_output=True, check=True).stdout.decode()
 
-    def program(self, kind):
-        """Writes the program of the README under the name in its first line."""
-        source, = pages.blocks(pages.read(pages.README), kind)
+    def write_program(self, source):
+        """Writes a program under the name in its first line."""
         folder = Path(tempfile.mkdtemp(dir=self.folder))
-        (folder / re.search(r"first\.\w+", source)[0]).write_text(source, encoding="utf-8")
+        (folder / re.search(r"\w+\.\w+", source)[0]).write_text(source, encoding="utf-8")
         return folder, source
+
+    def program(self, kind):
+        """Writes the program of the README."""
+        source, = pages.blocks(pages.read(pages.README), kind)
+        return self.write_program(source)
+
+    def run_compiled(self, folder, source):
+        """Types the command in the first line of a program, and runs what it builds."""
+        # The compiler searches the folders of the packages by itself, so it is told of these.
+        local = self.home / ".local"
+        folders = {"CPATH": str(local / "include"), "LIBRARY_PATH": str(local / "lib"),
+                   "LD_LIBRARY_PATH": str(local / "lib")}
+        build = re.search(r"To build it: (.*?)(?: \*/)?\n", source)[1]
+        built = re.search(r" -o (\w+)", build)[1]
+        return self.run_shell(f"{build} -Wall -Wextra -Werror\n./{built}", folder, **folders)
 
     def test_all_sections_of_the_page_are_typed(self):
         self.assertEqual(headings(INSTALL_PAGE),
@@ -149,16 +164,16 @@ class Programs(unittest.TestCase):
         self.assertIn("rfi-ready-for-improvement.adexp,RFI,OAL271,LGAV,LIRF,261121,0525,\n", table)
 
     def test_compiled_programs_of_the_readme(self):
-        # The compiler searches the folders of the packages by itself, so it is told of these.
-        local = self.home / ".local"
-        folders = {"CPATH": str(local / "include"), "LIBRARY_PATH": str(local / "lib"),
-                   "LD_LIBRARY_PATH": str(local / "lib")}
         for kind in ("c", "cpp"):
             with self.subTest(kind):
-                folder, source = self.program(kind)
-                build = re.search(r"To build it: (.*?)(?: \*/)?\n", source)[1]
-                self.assertEqual(self.run_shell(f"{build} -Wall -Wextra -Werror\n./first", folder, **folders),
-                                 self.document_of([], MESSAGE))
+                self.assertEqual(self.run_compiled(*self.program(kind)), self.document_of([], MESSAGE))
+
+    def test_programs_of_the_library_print_what_stands_below_them(self):
+        blocks = pages.blocks(pages.read(LIBRARY_PAGE))
+        self.assertEqual([kind for kind, _ in blocks], ["cpp", "output"] * 3 + ["c", "output"])
+        for (_, source), (_, output) in zip(blocks[::2], blocks[1::2]):
+            with self.subTest(source.splitlines()[0]):
+                self.assertEqual(self.run_compiled(*self.write_program(source)), output)
 
     def test_python_program_of_the_readme(self):
         folder, source = self.program("python")

@@ -85,7 +85,7 @@ class Installed(unittest.TestCase):
                      "share/fish/vendor_completions.d/adexp.fish",
                      "share/doc/adexp/docs/reference.md", "share/doc/adexp/LICENSE", "share/doc/adexp/README.md",
                      "share/doc/adexp/docs/guide.md", "share/doc/adexp/examples/convert.c",
-                     "share/doc/adexp/examples/reports.cpp", "share/doc/adexp/examples/table.py",
+                     "share/doc/adexp/examples/findings.cpp", "share/doc/adexp/examples/table.py",
                      "share/doc/adexp/bindings/python/README.md", "share/doc/adexp/SECURITY.md",
                      "share/doc/adexp/samples/ifpl-dublin-madrid.adexp"):
             with self.subTest(name):

@@ -167,7 +167,8 @@ void ConversionThreads::convertBatches()
     }
 }
 
-// Converts messages from the one at `begin` on, until the results are worth waking the other thread.
+// Converts messages from the one at `begin` on, until the results are worth waking the other
+// thread.
 ConversionThreads::Results ConversionThreads::convertSome(const std::vector<Message>& messages,
                                                           std::size_t begin,
                                                           MessageConverter* converter)
