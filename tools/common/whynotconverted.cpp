@@ -14,7 +14,7 @@ std::string whyNotConverted(const adexp::Result& result)
         if (title.empty())
             return "it ends behind \"-TITLE\"; add the title";
         return "the rule set has no rule for the title \"" + title +
-               "\" (or memory ran out); add a rule, or choose with --settings a rule set that has "
+               "\"; add a rule, or choose with --settings a rule set that has "
                "one";
     default:
         return tooLargeError();
