@@ -1,11 +1,11 @@
-#include "explaincommand.h"
-
 #include "commandline.h"
+#include "commands.h"
 #include "console.h"
 #include "definitions.h"
 #include "grammar/termstd.h"
 #include "loadedrules.h"
 #include "rulefile.h"
+#include "settingsfile.h"
 #include "termfacts.h"
 #include "termtree.h"
 
@@ -14,8 +14,15 @@
 #include <QSet>
 
 #include <algorithm>
+#include <memory>
 
 namespace {
+
+struct ExplainOptions
+{
+    std::string settings = BuiltInSettings;
+    std::string name; // definition or title; empty: show the names of all
+};
 
 constexpr const char* ExplainFooter =
     "NAME is a term or the title of a message rule, in capital or small letters. Without NAME,\n"
@@ -129,13 +136,9 @@ ExitCode explainName(const MainClass& rules, const std::string& name)
 {
     if (name.empty())
         return printNames(rules);
-    // All names in a rule set are in upper case.
-    const QString recordName = QString::fromStdString(name).toUpper();
-    const std::vector<TermStd*> definitions = definitionsNamed(rules, recordName);
-    if (definitions.empty()) {
-        printUnknownName(rules, recordName);
+    const std::vector<TermStd*> definitions = definitionsNamed(rules, name);
+    if (definitions.empty())
         return ExitCode::NotDone;
-    }
     StandardOutput out;
     for (const TermStd* definition : definitions) {
         if (definition != definitions.front())
@@ -147,20 +150,17 @@ ExitCode explainName(const MainClass& rules, const std::string& name)
 
 } // namespace
 
-CLI::App* addExplainCommand(CLI::App* app, ExplainOptions* options)
+void addExplainCommand(CLI::App* app, ExitCode* status)
 {
     CLI::App* const command =
         app->add_subcommand("explain", "Tell what a definition or message rule says");
+    const auto options = std::make_shared<ExplainOptions>();
     addFooter(command, ExplainFooter);
     addSettingsOption(command, &options->settings);
     command->add_option("NAME", options->name, "Term or title")->type_name("");
-    return command;
-}
-
-ExitCode runExplain(const ExplainOptions& options)
-{
-    const LoadedRules rules(options.settings);
-    if (!rules.isLoaded())
-        return rules.status();
-    return worse(rules.status(), explainName(insideOf(rules.rules()), options.name));
+    command->final_callback([options, status] {
+        *status = withRules(options->settings, false, [&](const adexp::RuleSet& rules) {
+            return explainName(insideOf(rules), options->name);
+        });
+    });
 }

@@ -1,15 +1,23 @@
-#include "treecommand.h"
-
 #include "commandline.h"
+#include "commands.h"
 #include "console.h"
 #include "fieldtree.h"
 #include "inputfile.h"
 #include "loadedrules.h"
+#include "settingsfile.h"
 #include "whynotconverted.h"
 
 #include <CLI/CLI.hpp>
 
+#include <memory>
+
 namespace {
+
+struct TreeOptions
+{
+    std::string settings = BuiltInSettings;
+    std::string file; // the message
+};
 
 constexpr const char* TreeFooter =
     "There is a line for each field, with its name and data, indented by depth. If there are\n"
@@ -36,17 +44,6 @@ ExitCode showTree(const std::string& name, const std::string& message, const ade
     return result.findings().empty() ? ExitCode::Success : ExitCode::WithDiagnostics;
 }
 
-} // namespace
-
-CLI::App* addTreeCommand(CLI::App* app, TreeOptions* options)
-{
-    CLI::App* const command = app->add_subcommand("tree", "Show the tree of fields of a message");
-    addFooter(command, TreeFooter);
-    addSettingsOption(command, &options->settings);
-    command->add_option("FILE", options->file, "Message")->type_name("")->required();
-    return command;
-}
-
 ExitCode runTree(const TreeOptions& options)
 {
     const std::string name = displayName(options.file);
@@ -55,7 +52,18 @@ ExitCode runTree(const TreeOptions& options)
         printError(name, "no fields: " + error);
         return ExitCode::NotDone;
     }
-    const LoadedRules rules(options.settings);
-    return rules.isLoaded() ? worse(rules.status(), showTree(name, message, rules.rules()))
-                            : rules.status();
+    return withRules(options.settings, false,
+                     [&](const adexp::RuleSet& rules) { return showTree(name, message, rules); });
+}
+
+} // namespace
+
+void addTreeCommand(CLI::App* app, ExitCode* status)
+{
+    CLI::App* const command = app->add_subcommand("tree", "Show the tree of fields of a message");
+    const auto options = std::make_shared<TreeOptions>();
+    addFooter(command, TreeFooter);
+    addSettingsOption(command, &options->settings);
+    command->add_option("FILE", options->file, "Message")->type_name("")->required();
+    command->final_callback([options, status] { *status = runTree(*options); });
 }
