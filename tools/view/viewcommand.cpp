@@ -74,8 +74,7 @@ ExitCode view(const ViewOptions& options, const std::string& message, const adex
                         {},
                         messageFindings(result.findings())};
     if (result.isOk())
-        content.fields = messageFields(*result.message(), TextPlaces(text));
-    countFindings(content.findings, &content.fields);
+        content.fields = messageFields(*result.message(), TextPlaces(text), content.findings);
     if (!writePage(options, MessagePage(content).html()))
         return ExitCode::NotDone;
     if (!content.failure.empty()) {
