@@ -1,7 +1,6 @@
 #include "commandline.h"
 #include "commands.h"
 #include "console.h"
-#include "fieldtree.h"
 #include "inputfile.h"
 #include "loadedrules.h"
 #include "settingsfile.h"
@@ -27,14 +26,38 @@ constexpr const char* TreeFooter =
     "Example:\n"
     "  adexp tree plan.adexp\n";
 
+// The field and those in it, a line for each, indented by depth. A call for each level, which the
+// rule set bounds.
+void appendTree(const adexp::Field& field, const std::string& indent, std::string* lines)
+{
+    const std::string name(field.name());
+    lines->append(indent).append(name).append(" ").append(field.data());
+    if (!field.isKnown()) {
+        const std::optional<adexp::Field> parent = field.parent();
+        lines->append(" : -- <")
+            .append(parent ? parent->name() : "???")
+            .append("> Unknown field --");
+    }
+    lines->append(" \n");
+    if (field.children().empty())
+        return;
+    const std::string title = " sub fields for " + name + " ++ \n";
+    lines->append(indent).append("++ Begin").append(title);
+    for (const adexp::Field child : field.children())
+        appendTree(child, indent + "   ", lines);
+    lines->append(indent).append("++ End").append(title);
+}
+
 ExitCode showTree(const std::string& name, const std::string& message, const adexp::RuleSet& rules)
 {
     const adexp::Result result = rules.convert(message, {false, true, true, 0});
     for (const adexp::Finding finding : result.findings())
         printError(name, finding.line());
     StandardOutput out;
+    std::string lines;
     if (const std::optional<adexp::Field> root = result.message())
-        out.write(fieldTree(*root));
+        appendTree(*root, std::string(), &lines);
+    out.write(lines);
     if (!out.flush())
         return ExitCode::NotDone;
     if (!result.isOk()) {
