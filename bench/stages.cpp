@@ -22,7 +22,7 @@ LineReporter lines;
 // A text and the definition that it was matched against.
 struct MatchedData
 {
-    TermStd* term;
+    const TermStd* term;
     QString data;
 };
 

@@ -2,26 +2,18 @@
 
 #include "checkcommand.h"
 #include "commandline.h"
+#include "commands.h"
 #include "console.h"
-#include "convertcommand.h"
-#include "dumpcommand.h"
 #include "exitcodes.h"
-#include "explaincommand.h"
-#include "matchcommand.h"
-#include "treecommand.h"
-#include "viewcommand.h"
 
 #include <CLI/CLI.hpp>
 
-#include <algorithm>
-#include <array>
 #include <clocale>
 #include <csignal>
 #include <fcntl.h>
-#include <functional>
-#include <memory>
 #include <new>
 #include <optional>
+#include <string>
 #include <unistd.h>
 
 namespace {
@@ -47,21 +39,6 @@ void prepareProcess()
     static_cast<void>(std::setlocale(LC_CTYPE, ""));
 }
 
-struct Subcommand
-{
-    const CLI::App* command;
-    std::function<ExitCode()> run;
-};
-
-// add() puts the command line into the options, and run() gets them.
-template <typename Options>
-Subcommand subcommand(CLI::App* app, CLI::App* (*add)(CLI::App*, Options*),
-                      ExitCode (*run)(const Options&))
-{
-    const auto options = std::make_shared<Options>();
-    return {add(app, options.get()), [options, run] { return run(*options); }};
-}
-
 constexpr const char* Footer =
     "Each subcommand has a --help and a manual page, for example man adexp-convert. This command\n"
     "is installed in bin/. The folder share/ beside it has rule files to copy and change in\n"
@@ -80,21 +57,17 @@ ExitCode run(int argc, const char* const* argv)
     app.require_subcommand(1);
     addFooter(&app, Footer);
 
-    const std::array subcommands{
-        subcommand(&app, addConvertCommand, runConvert),
-        subcommand(&app, addTreeCommand, runTree),
-        subcommand(&app, addCheckCommand, runCheck),
-        subcommand(&app, addExplainCommand, runExplain),
-        subcommand(&app, addMatchCommand, runMatch),
-        subcommand(&app, addViewCommand, runView),
-        subcommand(&app, addDumpCommand, runDump),
-    };
-
-    if (const std::optional<ExitCode> end = parseCommandLine(&app, argc, argv))
-        return *end;
-    const auto given = std::find_if(subcommands.begin(), subcommands.end(),
-                                    [](const Subcommand& each) { return each.command->parsed(); });
-    return given->run();
+    ExitCode status = ExitCode::Success;
+    addConvertCommand(&app, &status);
+    addTreeCommand(&app, &status);
+    CheckOptions check;
+    addCheckCommand(&app, &check)->final_callback([&] { status = runCheck(check); });
+    addExplainCommand(&app, &status);
+    addMatchCommand(&app, &status);
+    addViewCommand(&app, &status);
+    addDumpCommand(&app, &status);
+    const std::optional<ExitCode> end = parseCommandLine(&app, argc, argv);
+    return end ? *end : status;
 }
 
 } // namespace

@@ -1,74 +1,53 @@
 #include "console.h"
 
+#include <QString>
+
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 
 namespace {
 
-void appendHex(std::string* out, char32_t value, int digits)
-{
-    constexpr const char* HexDigits = "0123456789ABCDEF";
-    for (int shift = 4 * (digits - 1); shift >= 0; shift -= 4)
-        *out += HexDigits[value >> shift & 0xfU];
-}
-
-void appendByte(std::string* out, char byte)
-{
-    *out += "\\x";
-    appendHex(out, static_cast<unsigned char>(byte), 2);
-}
-
-void appendControl(std::string* out, char32_t c)
+// What stands for a control character.
+QString escape(char32_t c)
 {
     switch (c) {
     case '\n':
-        *out += "\\n";
-        break;
+        return QStringLiteral("\\n");
     case '\r':
-        *out += "\\r";
-        break;
+        return QStringLiteral("\\r");
     case '\t':
-        *out += "\\t";
-        break;
+        return QStringLiteral("\\t");
     default:
-        if (c < 0x80)
-            return appendByte(out, static_cast<char>(c));
-        *out += "\\u";
-        appendHex(out, c, 4);
+        return QString::asprintf(c < 0x80 ? "\\x%02X" : "\\u%04X", static_cast<unsigned>(c));
     }
-}
-
-// How many bytes the UTF-8 character has that begins with this byte; 0 if none does.
-std::size_t lengthByFirst(unsigned char byte)
-{
-    if (byte < 0x80)
-        return 1;
-    if (byte < 0xc2 || byte > 0xf4)
-        return 0;
-    return byte < 0xe0 ? 2 : byte < 0xf0 ? 3 : 4;
 }
 
 // The length in bytes of the UTF-8 character at the beginning of @p text, which is put into @p c; 0
-// if there is none.
+// if there is none, and @p c is the first byte.
 std::size_t readCharacter(std::string_view text, char32_t* c)
 {
+    constexpr std::array<char32_t, 5> Least{0, 0, 0x80, 0x800, 0x10000}; // of each length
     const auto first = static_cast<unsigned char>(text.front());
-    const std::size_t length = lengthByFirst(first);
-    if (length < 2 || length > text.size()) {
-        *c = first;
-        return length == 1 ? 1 : 0;
-    }
-    *c = first & (0x7fU >> length);
+    *c = first;
+    if (first < 0x80)
+        return 1;
+    const std::size_t length = first < 0xe0 ? 2 : first < 0xf0 ? 3 : 4;
+    if (first < 0xc0 || first > 0xf4 || length > text.size())
+        return 0;
+    char32_t character = first & (0x7fU >> length);
     for (const char next : text.substr(1, length - 1)) {
         const auto byte = static_cast<unsigned char>(next);
         if ((byte & 0xc0U) != 0x80U)
             return 0;
-        *c = *c << 6U | (byte & 0x3fU);
+        character = character << 6U | (byte & 0x3fU);
     }
-    const bool isOverlong = (length == 3 && *c < 0x800) || (length == 4 && *c < 0x10000);
-    const bool isSurrogate = *c >= 0xd800 && *c < 0xe000;
-    return isOverlong || isSurrogate || *c > 0x10ffff ? 0 : length;
+    const bool isSurrogate = character >= 0xd800 && character < 0xe000;
+    if (character < Least[length] || isSurrogate || character > 0x10ffff)
+        return 0;
+    *c = character;
+    return length;
 }
 
 } // namespace
@@ -89,9 +68,9 @@ std::string escaped(std::string_view text)
         char32_t c = 0;
         const std::size_t length = readCharacter(text, &c);
         if (length == 0)
-            appendByte(&out, text.front());
+            out += QString::asprintf("\\x%02X", static_cast<unsigned>(c)).toStdString();
         else if (isControl(c))
-            appendControl(&out, c);
+            out += escape(c).toStdString();
         else
             out += text.substr(0, length);
         text.remove_prefix(length == 0 ? 1 : length);

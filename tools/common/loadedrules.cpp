@@ -29,31 +29,25 @@ void report(const std::string& settings, const adexp::Finding& finding, bool isJ
 
 } // namespace
 
-LoadedRules::LoadedRules(const std::string& settings, bool isJson)
-    : m_status(load(settings, isJson))
-{
-}
-
-ExitCode LoadedRules::load(const std::string& settings, bool isJson)
+ExitCode withRules(const std::string& settings, bool isJson,
+                   const std::function<ExitCode(const adexp::RuleSet&)>& work)
 {
     if (const std::string error = settingsError(settings); !error.empty()) {
         report(settings, error, isJson);
         return ExitCode::NotDone;
     }
-    m_rules.emplace(settings);
-    for (const adexp::Finding finding : m_rules->findings())
+    const adexp::RuleSet rules(settings);
+    for (const adexp::Finding finding : rules.findings())
         report(settings, finding, isJson);
-    switch (m_rules->status()) {
-    case adexp::Status::Ok:
-        return m_rules->findings().empty() ? ExitCode::Success : ExitCode::WithDiagnostics;
-    case adexp::Status::SettingsUnreadable:
-        report(settings, NotAnIniFile, isJson);
-        return ExitCode::NotDone;
-    default:
-        report(settings,
-               "the rule set cannot be loaded, the lines above say why; correct the settings file "
-               "or the rule file they name (a relative path starts from the working directory)",
-               isJson);
-        return ExitCode::NotDone;
-    }
+    if (rules.isLoaded())
+        return worse(rules.findings().empty() ? ExitCode::Success : ExitCode::WithDiagnostics,
+                     work(rules));
+    report(settings,
+           rules.status() == adexp::Status::SettingsUnreadable
+               ? NotAnIniFile
+               : "the rule set cannot be loaded, the lines above say why; correct the settings "
+                 "file or the rule file they name (a relative path starts from the working "
+                 "directory)",
+           isJson);
+    return ExitCode::NotDone;
 }

@@ -4,29 +4,13 @@
 #include "adexp.hpp"
 #include "exitcodes.h"
 
-#include <optional>
+#include <functional>
 #include <string>
 
-/// The rule set that the command works with. What is wrong with it has been reported.
-class LoadedRules
-{
-public:
-    /// Loads the rule set of the settings file @p settings. What is wrong with it goes to standard
-    /// error, as JSON if @p isJson.
-    explicit LoadedRules(const std::string& settings, bool isJson = false);
-
-    /// WithDiagnostics if something was reported, NotDone if the rule set cannot be used.
-    ExitCode status() const { return m_status; }
-    /// False if the rule set cannot be used.
-    bool isLoaded() const { return m_status != ExitCode::NotDone; }
-    /// The rule set; only if it can be used.
-    const adexp::RuleSet& rules() const { return *m_rules; }
-
-private:
-    ExitCode load(const std::string& settings, bool isJson);
-
-    std::optional<adexp::RuleSet> m_rules;
-    ExitCode m_status;
-};
+/// Does @p work with the rule set of the settings file @p settings. What is wrong with the rule set
+/// goes to standard error before, as JSON if @p isJson. Returns how the command ends: as @p work
+/// says, or worse; NotDone without @p work if the rule set cannot be used.
+ExitCode withRules(const std::string& settings, bool isJson,
+                   const std::function<ExitCode(const adexp::RuleSet&)>& work);
 
 #endif

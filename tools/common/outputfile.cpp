@@ -1,6 +1,6 @@
 #include "outputfile.h"
 
-#include "uninterrupted.h"
+#include "interruption.h"
 
 #include <QFile>
 #include <QSaveFile>
@@ -41,7 +41,7 @@ std::string writeDirectly(const QString& name, std::string_view data)
 
 std::string writeAndRename(const QString& name, std::string_view data)
 {
-    const Uninterrupted uninterrupted;
+    const Interruption::Delay delay;
     QSaveFile file(name);
     if (file.open(QIODevice::WriteOnly) && writeWhole(&file, data) && file.commit())
         return {};

@@ -32,29 +32,19 @@ int TextPlaces::wordEnd(int position) const
                             m_text.begin());
 }
 
-int TextPlaces::wordBegin(int end) const
-{
-    while (end > 0 && !isSeparator(m_text[end - 1]))
-        --end;
-    return end;
-}
-
 int TextPlaces::nextWord(int position) const
 {
     return static_cast<int>(std::find_if_not(m_text.begin() + position, m_text.end(), isSeparator) -
                             m_text.begin());
 }
 
-int TextPlaces::previousWordEnd(int position) const
+int TextPlaces::previousWord(int position) const
 {
     while (position > 0 && isSeparator(m_text[position - 1]))
         --position;
+    while (position > 0 && !isSeparator(m_text[position - 1]))
+        --position;
     return position;
-}
-
-bool TextPlaces::isWord(int begin, int end, QStringView word) const
-{
-    return m_text.mid(begin, end - begin) == word;
 }
 
 TextPlaces::Place TextPlaces::placeOf(int position) const

@@ -29,17 +29,14 @@ public:
     /// Position behind the word that @p position, which lies in the text, is in.
     int wordEnd(int position) const;
 
-    /// Position of the word that ends at @p end.
-    int wordBegin(int end) const;
-
     /// Position of the word behind @p position, or behind the text.
     int nextWord(int position) const;
 
-    /// Position behind the word before @p position, or 0.
-    int previousWordEnd(int position) const;
+    /// Position of the word before @p position, or 0.
+    int previousWord(int position) const;
 
-    /// True if @p word stands from @p begin to @p end.
-    bool isWord(int begin, int end, QStringView word) const;
+    /// The text from @p begin to @p end.
+    QStringView text(int begin, int end) const { return m_text.mid(begin, end - begin); }
 
     /// Line and column of @p position, which lies in the text.
     Place placeOf(int position) const;

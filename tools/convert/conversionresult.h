@@ -1,8 +1,8 @@
 #ifndef CONVERSIONRESULT_H
 #define CONVERSIONRESULT_H
 
+#include "coveragereport.h"
 #include "exitcodes.h"
-#include "messagecoverage.h"
 
 #include <cstddef>
 #include <optional>

@@ -2,7 +2,6 @@
 #define CONVERSIONRUN_H
 
 #include "adexp.hpp"
-#include "batch.h"
 #include "conversionthreads.h"
 #include "convertoptions.h"
 #include "exitcodes.h"

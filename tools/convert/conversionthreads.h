@@ -2,8 +2,9 @@
 #define CONVERSIONTHREADS_H
 
 #include "adexp.hpp"
-#include "batch.h"
+#include "conversionresult.h"
 #include "convertoptions.h"
+#include "message.h"
 #include "messageconverter.h"
 #include "wakeup.h"
 
@@ -16,6 +17,15 @@
 #include <shared_mutex>
 #include <thread>
 #include <vector>
+
+/// Messages that one thread converts one after another, and what became of them.
+struct Batch
+{
+    std::vector<Message> messages;
+    std::size_t bytes = 0;                ///< about the memory of the messages
+    std::size_t converted = 0;            ///< so many messages are done
+    std::deque<ConversionResult> results; ///< of these, but for those that were taken away
+};
 
 /// Threads that convert, each a batch of messages at a time, with one rule set. The thread that
 /// made the object gives the batches, and takes the results in the order of the messages.

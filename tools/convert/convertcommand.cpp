@@ -1,14 +1,15 @@
-#include "convertcommand.h"
-
 #include "commandline.h"
+#include "commands.h"
 #include "console.h"
 #include "conversionrun.h"
+#include "convertoptions.h"
 #include "interruption.h"
 #include "loadedrules.h"
 
 #include <CLI/CLI.hpp>
 
 #include <filesystem>
+#include <memory>
 #include <system_error>
 
 namespace {
@@ -113,34 +114,33 @@ void addOutputOptions(CLI::App* command, ConvertOptions* options)
     command->add_flag("--no-progress", options->noProgress, "No progress line on the terminal");
 }
 
+ExitCode runConvert(ConvertOptions options)
+{
+    // Asked once: if the folder is removed meanwhile, no file may take its name.
+    options.isOutputFolder = options.hasOutputFiles() && isFolderName(options.output);
+    if (const ExitCode wrong = checkOutput(options); wrong != ExitCode::Success)
+        return wrong;
+    return withRules(options.settings, options.isJson, [&](const adexp::RuleSet& rules) {
+        Interruption::handle();
+        return ConversionRun(options, rules).run();
+    });
+}
+
 } // namespace
 
-CLI::App* addConvertCommand(CLI::App* app, ConvertOptions* options)
+void addConvertCommand(CLI::App* app, ExitCode* status)
 {
     CLI::App* const command = app->add_subcommand("convert", "Convert messages to XML documents");
+    const auto options = std::make_shared<ConvertOptions>();
     addFooter(command, ConvertFooter);
     addSettingsOption(command, &options->settings);
-    addInputOptions(command, options);
-    addOutputOptions(command, options);
+    addInputOptions(command, options.get());
+    addOutputOptions(command, options.get());
     command
         ->add_option("-j,--jobs", options->jobs,
                      "Convert in up to N threads; 0, and no -j: one for each processor that may be "
                      "used")
         ->type_name("N")
         ->check(CLI::Range(0, MaxJobs).description(""));
-    return command;
-}
-
-ExitCode runConvert(const ConvertOptions& given)
-{
-    ConvertOptions options = given;
-    // Asked once: if the folder is removed meanwhile, no file may take its name.
-    options.isOutputFolder = options.hasOutputFiles() && isFolderName(options.output);
-    if (const ExitCode wrong = checkOutput(options); wrong != ExitCode::Success)
-        return wrong;
-    const LoadedRules rules(options.settings, options.isJson);
-    if (!rules.isLoaded())
-        return rules.status();
-    Interruption::handle();
-    return worse(rules.status(), ConversionRun(options, rules.rules()).run());
+    command->final_callback([options, status] { *status = runConvert(*options); });
 }

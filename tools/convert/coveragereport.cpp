@@ -1,7 +1,6 @@
 #include "coveragereport.h"
 
 #include "console.h"
-
 #include "findingjson.h"
 
 #include <QJsonArray>
@@ -34,6 +33,18 @@ std::vector<std::pair<std::string, std::int64_t>> mostFrequentFirst(const Diagno
 
 } // namespace
 
+void MessageCoverage::count(const adexp::Result& result)
+{
+    title = result.title();
+    for (const adexp::Field field : result.fields()) {
+        if (field.name().empty())
+            continue; // nor is it in the document
+        ++fields;
+        if (!field.isKnown())
+            ++unknownFields;
+    }
+}
+
 void CoverageReport::add(const MessageCoverage& message)
 {
     if (!message.failure.empty()) {
@@ -43,11 +54,15 @@ void CoverageReport::add(const MessageCoverage& message)
         return;
     }
     Counts& sum = m_titles[message.title];
-    ++sum.messages;
-    sum.fields += message.fields;
-    sum.unknownFields += message.unknownFields;
-    for (const auto& [text, count] : message.diagnostics)
+    for (Counts* counts : {&sum, &m_total}) {
+        ++counts->messages;
+        counts->fields += message.fields;
+        counts->unknownFields += message.unknownFields;
+    }
+    for (const auto& [text, count] : message.diagnostics) {
+        m_total.reports += count;
         addDiagnostic(text, count, &sum);
+    }
 }
 
 void CoverageReport::addDiagnostic(const std::string& text, std::int64_t count, Counts* counts)
@@ -60,18 +75,6 @@ void CoverageReport::addDiagnostic(const std::string& text, std::int64_t count, 
         counts->diagnostics.emplace(text, count);
     else
         counts->unlisted += count;
-}
-
-CoverageReport::Counts CoverageReport::total() const
-{
-    Counts sum;
-    for (const auto& [title, counts] : m_titles) {
-        sum.messages += counts.messages;
-        sum.fields += counts.fields;
-        sum.unknownFields += counts.unknownFields;
-        sum.reports += counts.reports;
-    }
-    return sum;
 }
 
 std::int64_t CoverageReport::notListed() const
@@ -100,7 +103,7 @@ std::string CoverageReport::text() const
     std::string lines = columns("title", "messages", "fields", "unknown", "diagnostics");
     for (const auto& [title, counts] : m_titles)
         lines += line(title, counts) + diagnosticLines(counts);
-    lines += line("total", total());
+    lines += line("total", m_total);
     lines += "not converted: " + std::to_string(m_notConverted) + '\n';
     for (const NotConverted& message : m_listed)
         lines += "    " + escaped(message.name) + ": " + escaped(message.reason) + '\n';
@@ -133,7 +136,7 @@ std::string CoverageReport::json() const
         notConverted.append(
             QJsonObject{{QStringLiteral("file"), QString::fromStdString(message.name)},
                         {QStringLiteral("text"), QString::fromStdString(message.reason)}});
-    QJsonObject sum = numbers(total());
+    QJsonObject sum = numbers(m_total);
     sum.insert(QStringLiteral("notConverted"), static_cast<qint64>(m_notConverted));
     return jsonLine({{QStringLiteral("titles"), titles},
                      {QStringLiteral("total"), sum},

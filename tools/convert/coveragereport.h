@@ -1,13 +1,29 @@
 #ifndef COVERAGEREPORT_H
 #define COVERAGEREPORT_H
 
-#include "exitcodes.h"
-#include "messagecoverage.h"
+#include "adexp.hpp"
 
 #include <cstdint>
 #include <map>
 #include <string>
 #include <vector>
+
+/// How often each distinct diagnostic was reported.
+using DiagnosticCounts = std::map<std::string, std::int64_t>;
+
+/// How well a rule set covers one message.
+struct MessageCoverage
+{
+    std::string title;
+    std::int64_t fields = 0;
+    std::int64_t unknownFields = 0;
+    DiagnosticCounts diagnostics;
+    std::string name;    ///< of the message
+    std::string failure; ///< why it was not converted; empty if it was
+
+    /// Takes the title, and counts the fields that are in the document.
+    void count(const adexp::Result& result);
+};
 
 /// How well a rule set covers a set of messages, by their titles.
 ///
@@ -49,10 +65,10 @@ private:
     static void addDiagnostic(const std::string& text, std::int64_t count, Counts* counts);
     static std::string line(const std::string& head, const Counts& counts);
     static std::string diagnosticLines(const Counts& counts);
-    Counts total() const;
     std::int64_t notListed() const;
 
     std::map<std::string, Counts> m_titles;
+    Counts m_total; // without the diagnostics
     std::int64_t m_notConverted = 0;
     std::vector<NotConverted> m_listed; // the first of those that were not converted
 };

@@ -1,11 +1,21 @@
 #include "inputlist.h"
 
-#include "folderlisting.h"
-
 #include <filesystem>
+#include <map>
+#include <set>
 #include <utility>
 
 namespace fs = std::filesystem;
+
+namespace {
+
+bool isSame(const fs::path& folder, const std::string& other)
+{
+    std::error_code error;
+    return fs::equivalent(folder, other, error);
+}
+
+} // namespace
 
 InputList::InputList(const ConvertOptions& options) : m_options(options)
 {
@@ -39,14 +49,35 @@ void InputList::add(const std::string& argument)
         addFailure(argument, "is a folder, not a message; give -r to convert the files in it");
 }
 
-void InputList::addFolder(const std::string& folder)
+// Links to files count as files, links to folders are not followed.
+void InputList::addFolder(const std::string& top)
 {
-    const FolderListing listing =
-        listFolder(folder, m_options.hasOutputFiles() ? m_options.output : std::string());
-    for (const FolderListing::Unlisted& unlisted : listing.unlisted)
-        addFailure(unlisted.folder, unlisted.reason);
-    for (const std::string& file : listing.files)
-        m_inputs.push_back({file, fs::path(file).lexically_relative(folder).string(), {}});
+    const std::string output = m_options.hasOutputFiles() ? m_options.output : std::string();
+    std::set<fs::path> files;
+    std::map<std::string, std::string> failures; // by folder
+    std::vector<fs::path> folders{top};
+    while (!folders.empty()) {
+        const fs::path folder = folders.back();
+        folders.pop_back();
+        std::error_code error;
+        for (fs::directory_iterator entry(folder, error);
+             !error && entry != fs::directory_iterator(); entry.increment(error)) {
+            std::error_code unknownKind; // a dangling link, for example: neither file nor folder
+            if (entry->is_directory(unknownKind)) {
+                if (!entry->is_symlink(unknownKind) && !isSame(entry->path(), output))
+                    folders.push_back(entry->path());
+            } else if (entry->is_regular_file(unknownKind)) {
+                files.insert(entry->path());
+            }
+        }
+        if (error)
+            failures.emplace(folder.string(), "the folder cannot be listed: " + error.message() +
+                                                  "; check its permissions");
+    }
+    for (const auto& [folder, failure] : failures)
+        addFailure(folder, failure);
+    for (const fs::path& file : files)
+        m_inputs.push_back({file.string(), file.lexically_relative(top).string(), {}});
 }
 
 void InputList::addFailure(const std::string& argument, const std::string& failure)

@@ -1,6 +1,8 @@
 #ifndef MESSAGE_H
 #define MESSAGE_H
 
+#include "inputfile.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -18,7 +20,10 @@ struct Message
                                 ///< nothing if that cannot be known
 
     /// How reports call it: "plan.adexp", "<stdin>", "archive.txt:3".
-    std::string name() const;
+    std::string name() const
+    {
+        return number == 0 ? displayName(input) : displayName(input) + ':' + std::to_string(number);
+    }
 };
 
 #endif

@@ -3,9 +3,9 @@
 #include "console.h"
 #include "interruption.h"
 
+#include <QString>
+
 #include <algorithm>
-#include <array>
-#include <cstdio>
 #include <cstdlib>
 #include <string>
 #include <sys/ioctl.h>
@@ -43,14 +43,10 @@ std::string bar(double part)
 std::string duration(double seconds)
 {
     const long all = static_cast<long>(seconds);
-    std::array<char, 32> text{};
-    // There is room for every number.
-    if (all >= 3600)
-        static_cast<void>(std::snprintf(text.data(), text.size(), "%ld:%02ld:%02ld", all / 3600,
-                                        all / 60 % 60, all % 60));
-    else
-        static_cast<void>(std::snprintf(text.data(), text.size(), "%ld:%02ld", all / 60, all % 60));
-    return text.data();
+    const QString text =
+        all >= 3600 ? QString::asprintf("%ld:%02ld:%02ld", all / 3600, all / 60 % 60, all % 60)
+                    : QString::asprintf("%ld:%02ld", all / 60, all % 60);
+    return text.toStdString();
 }
 
 std::string line(std::uint64_t messages, double seconds, std::optional<double> part)

@@ -1,16 +1,23 @@
-#include "dumpcommand.h"
-
 #include "commandline.h"
+#include "commands.h"
 #include "console.h"
 #include "definitions.h"
 #include "grammar/termstd.h"
 #include "loadedrules.h"
+#include "settingsfile.h"
 
 #include <CLI/CLI.hpp>
 
+#include <memory>
 #include <vector>
 
 namespace {
+
+struct DumpOptions
+{
+    std::string settings = BuiltInSettings;
+    std::string name; // term or title; empty: all
+};
 
 constexpr const char* DumpFooter =
     "NAME is a term or the title of a message rule, in capital or small letters. Without NAME\n"
@@ -22,52 +29,33 @@ constexpr const char* DumpFooter =
     "  adexp dump ARCID\n"
     "  adexp dump --settings my.ini\n";
 
-void printAll(const MainClass& rules, StandardOutput* out)
-{
-    for (const TermStd* definition : allDefinitions(rules))
-        out->write((definition->config.recordName + QLatin1String(" = ") +
-                    definition->dumpData(true) + QLatin1Char('\n'))
-                       .toStdString());
-}
-
-// False if there is no definition of that name.
-bool printNamed(const MainClass& rules, const QString& name, StandardOutput* out)
-{
-    const std::vector<TermStd*> definitions = definitionsNamed(rules, name);
-    for (const TermStd* definition : definitions)
-        out->write((definition->dumpData(true) + QLatin1Char('\n')).toStdString());
-    return !definitions.empty();
-}
-
 ExitCode dump(const MainClass& rules, const std::string& name)
 {
-    // All names in a rule set are in upper case.
-    const QString recordName = QString::fromStdString(name).toUpper();
-    StandardOutput out;
-    if (recordName.isEmpty()) {
-        printAll(rules, &out);
-    } else if (!printNamed(rules, recordName, &out)) {
-        printUnknownName(rules, recordName);
+    const std::vector<TermStd*> definitions =
+        name.empty() ? allDefinitions(rules) : definitionsNamed(rules, name);
+    if (definitions.empty() && !name.empty())
         return ExitCode::NotDone;
+    StandardOutput out;
+    for (const TermStd* definition : definitions) {
+        if (name.empty())
+            out.write(definition->config.recordName.toStdString() + " = ");
+        out.write(definition->dumpData(true).toStdString() + '\n');
     }
     return out.flush() ? ExitCode::Success : ExitCode::NotDone;
 }
 
 } // namespace
 
-CLI::App* addDumpCommand(CLI::App* app, DumpOptions* options)
+void addDumpCommand(CLI::App* app, ExitCode* status)
 {
     CLI::App* const command = app->add_subcommand("dump", "Show how terms and rules were compiled");
+    const auto options = std::make_shared<DumpOptions>();
     addFooter(command, DumpFooter);
     addSettingsOption(command, &options->settings);
     command->add_option("NAME", options->name, "Term or title")->type_name("");
-    return command;
-}
-
-ExitCode runDump(const DumpOptions& options)
-{
-    const LoadedRules rules(options.settings);
-    if (!rules.isLoaded())
-        return rules.status();
-    return worse(rules.status(), dump(insideOf(rules.rules()), options.name));
+    command->final_callback([options, status] {
+        *status = withRules(options->settings, false, [&](const adexp::RuleSet& rules) {
+            return dump(insideOf(rules), options->name);
+        });
+    });
 }

@@ -1,21 +1,27 @@
-#include "explaincommand.h"
-
 #include "commandline.h"
+#include "commands.h"
 #include "console.h"
 #include "definitions.h"
-#include "grammar/termstd.h"
+#include "grammar/termexpression.h"
 #include "loadedrules.h"
 #include "rulefile.h"
+#include "settingsfile.h"
 #include "termfacts.h"
-#include "termtree.h"
 
 #include <CLI/CLI.hpp>
 
 #include <QSet>
 
 #include <algorithm>
+#include <memory>
 
 namespace {
+
+struct ExplainOptions
+{
+    std::string settings = BuiltInSettings;
+    std::string name; // definition or title; empty: show the names of all
+};
 
 constexpr const char* ExplainFooter =
     "NAME is a term or the title of a message rule, in capital or small letters. Without NAME,\n"
@@ -70,6 +76,70 @@ QStringList referringTo(const MainClass& rules, const QString& name)
 QString listText(const QStringList& names)
 {
     return names.isEmpty() ? QStringLiteral("-") : names.join(QLatin1String(", "));
+}
+
+// ", 2 to 7 times"; empty for what is there once.
+QString countWords(const TermStd* term)
+{
+    if (term->bracketType == BracketOptional)
+        return QStringLiteral(", optional");
+    if (term->bracketType != BracketRepeat)
+        return {};
+    const int min = term->minRepeat;
+    const int max = term->maxRepeat;
+    const bool isLimited = max != RepeatNoLimit;
+    QString count = QString::number(isLimited ? max : min);
+    if (!isLimited)
+        count = min == 0 ? QStringLiteral("any number of") : QLatin1String("at least ") + count;
+    else if (min != max)
+        count.prepend(min == 0 ? QStringLiteral("up to ")
+                               : QString::number(min) + QLatin1String(" to "));
+    const bool isOnce = (isLimited ? max : min) == 1;
+    return QLatin1String(", ") + count +
+           (isOnce ? QLatin1String(" time") : QLatin1String(" times"));
+}
+
+QString nodeText(const TermStd* term)
+{
+    switch (term->type()) {
+    case TermTypeExpression:
+    case TermTypeMsgRule: {
+        const bool choice = isChoice(asExpression(term));
+        return choice ? QStringLiteral("one of") : QStringLiteral("in sequence");
+    }
+    case TermTypeSimple:
+        return u'\'' + term->ExprRuleStr + u'\'';
+    case TermTypeSep:
+        return QStringLiteral("SEP");
+    default:
+        return term->ExprRuleStr;
+    }
+}
+
+// Brackets are bounded by the compiler, so this recursion is.
+void addNode(const TermStd* term, const QString& indent, const QString& branch, QString* tree)
+{
+    *tree += indent + branch + nodeText(term) + countWords(term) + u'\n';
+    const TermExpression* const expression = asExpression(term);
+    if (!expression)
+        return;
+    const QString below =
+        branch.isEmpty()
+            ? indent
+            : indent + (branch.startsWith(u'`') ? QLatin1String("   ") : QLatin1String("|  "));
+    for (const TermStd* part : expression->ExprList)
+        addNode(part, below,
+                part == expression->ExprList.last() ? QStringLiteral("`- ") : QStringLiteral("|- "),
+                tree);
+}
+
+// The compiled form of the term as a tree, a line for each term, all ended by a line break.
+// References are not followed. The separators that the compiler has put in are shown.
+QString termTree(const TermStd* term)
+{
+    QString tree;
+    addNode(term, {}, {}, &tree);
+    return tree;
 }
 
 std::string indented(const QString& lines)
@@ -129,13 +199,9 @@ ExitCode explainName(const MainClass& rules, const std::string& name)
 {
     if (name.empty())
         return printNames(rules);
-    // All names in a rule set are in upper case.
-    const QString recordName = QString::fromStdString(name).toUpper();
-    const std::vector<TermStd*> definitions = definitionsNamed(rules, recordName);
-    if (definitions.empty()) {
-        printUnknownName(rules, recordName);
+    const std::vector<TermStd*> definitions = definitionsNamed(rules, name);
+    if (definitions.empty())
         return ExitCode::NotDone;
-    }
     StandardOutput out;
     for (const TermStd* definition : definitions) {
         if (definition != definitions.front())
@@ -147,20 +213,17 @@ ExitCode explainName(const MainClass& rules, const std::string& name)
 
 } // namespace
 
-CLI::App* addExplainCommand(CLI::App* app, ExplainOptions* options)
+void addExplainCommand(CLI::App* app, ExitCode* status)
 {
     CLI::App* const command =
         app->add_subcommand("explain", "Tell what a definition or message rule says");
+    const auto options = std::make_shared<ExplainOptions>();
     addFooter(command, ExplainFooter);
     addSettingsOption(command, &options->settings);
     command->add_option("NAME", options->name, "Term or title")->type_name("");
-    return command;
-}
-
-ExitCode runExplain(const ExplainOptions& options)
-{
-    const LoadedRules rules(options.settings);
-    if (!rules.isLoaded())
-        return rules.status();
-    return worse(rules.status(), explainName(insideOf(rules.rules()), options.name));
+    command->final_callback([options, status] {
+        *status = withRules(options->settings, false, [&](const adexp::RuleSet& rules) {
+            return explainName(insideOf(rules), options->name);
+        });
+    });
 }

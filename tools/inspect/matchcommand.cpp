@@ -1,6 +1,5 @@
-#include "matchcommand.h"
-
 #include "commandline.h"
+#include "commands.h"
 #include "console.h"
 #include "definitions.h"
 #include "findingjson.h"
@@ -10,6 +9,7 @@
 #include "loadedrules.h"
 #include "matchtrace.h"
 #include "report/reporter.h"
+#include "settingsfile.h"
 
 #include <CLI/CLI.hpp>
 
@@ -18,8 +18,18 @@
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 
 namespace {
+
+struct MatchOptions
+{
+    std::string settings = BuiltInSettings;
+    std::string expression;            // an expression in place of a name; empty: a name
+    std::optional<std::string> first;  // NAME; with an expression, TEXT
+    std::optional<std::string> second; // TEXT; with an expression, nothing
+    bool isJson = false;
+};
 
 constexpr const char* MatchFooter =
     "NAME is a simple term, or a field that has data of its own and no fields in it. The line\n"
@@ -133,15 +143,12 @@ std::unique_ptr<TermStd> compile(const MainClass& rules, const std::string& text
 // The definition whose data is matched as a text; null after a message.
 TermStd* findDefinition(const MainClass& rules, const std::string& name)
 {
-    const QString recordName = QString::fromStdString(name).toUpper();
-    const std::vector<TermStd*> definitions = definitionsNamed(rules, recordName);
-    if (definitions.empty()) {
-        printUnknownName(rules, recordName);
+    const std::vector<TermStd*> definitions = definitionsNamed(rules, name);
+    if (definitions.empty())
         return nullptr;
-    }
     TermStd* const definition = definitions.front();
     if (isCompound(definition)) {
-        printError(recordName.toStdString(),
+        printError(definition->config.recordName.toStdString(),
                    "is made of fields, which are found by their names; see adexp tree");
         return nullptr;
     }
@@ -159,22 +166,6 @@ ExitCode match(const MainClass& rules, const MatchOptions& options)
     return term ? show(term.get(), text, options.isJson) : ExitCode::NotDone;
 }
 
-} // namespace
-
-CLI::App* addMatchCommand(CLI::App* app, MatchOptions* options)
-{
-    CLI::App* const command =
-        app->add_subcommand("match", "Show how far a text matches a definition");
-    addFooter(command, MatchFooter);
-    addSettingsOption(command, &options->settings);
-    addFormatOption(command, &options->isJson);
-    addTextOption(command, "--expr", &options->expression, "Expression to match with, not a NAME")
-        ->type_name("EXPR");
-    command->add_option("NAME", options->first, "Definition; none with --expr")->type_name("");
-    command->add_option("TEXT", options->second, "Data")->type_name("");
-    return command;
-}
-
 ExitCode runMatch(const MatchOptions& options)
 {
     const bool hasExpression = !options.expression.empty();
@@ -185,8 +176,23 @@ ExitCode runMatch(const MatchOptions& options)
                        : "match takes a NAME and a TEXT; see adexp match --help");
         return ExitCode::Usage;
     }
-    const LoadedRules rules(options.settings);
-    if (!rules.isLoaded())
-        return rules.status();
-    return worse(rules.status(), match(insideOf(rules.rules()), options));
+    return withRules(options.settings, false,
+                     [&](const adexp::RuleSet& rules) { return match(insideOf(rules), options); });
+}
+
+} // namespace
+
+void addMatchCommand(CLI::App* app, ExitCode* status)
+{
+    CLI::App* const command =
+        app->add_subcommand("match", "Show how far a text matches a definition");
+    const auto options = std::make_shared<MatchOptions>();
+    addFooter(command, MatchFooter);
+    addSettingsOption(command, &options->settings);
+    addFormatOption(command, &options->isJson);
+    addTextOption(command, "--expr", &options->expression, "Expression to match with, not a NAME")
+        ->type_name("EXPR");
+    command->add_option("NAME", options->first, "Definition; none with --expr")->type_name("");
+    command->add_option("TEXT", options->second, "Data")->type_name("");
+    command->final_callback([options, status] { *status = runMatch(*options); });
 }

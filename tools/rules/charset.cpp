@@ -15,17 +15,13 @@ CharSet CharSet::ofClasses(unsigned classes)
 CharSet CharSet::ofText(const QString& text)
 {
     CharSet set;
-    set.m_chars = text;
-    std::sort(set.m_chars.begin(), set.m_chars.end());
-    set.m_chars.truncate(static_cast<int>(std::unique(set.m_chars.begin(), set.m_chars.end()) -
-                                          set.m_chars.begin()));
+    set.m_chars.insert(text.begin(), text.end());
     return set;
 }
 
 bool CharSet::contains(QChar c) const
 {
-    return CharClass::isAny(c, m_classes) ||
-           std::binary_search(m_chars.cbegin(), m_chars.cend(), c);
+    return CharClass::isAny(c, m_classes) || m_chars.count(c) != 0;
 }
 
 bool CharSet::contains(const CharSet& other) const
@@ -38,20 +34,14 @@ bool CharSet::contains(const CharSet& other) const
 void CharSet::add(const CharSet& other)
 {
     m_classes |= other.m_classes;
-    QString all;
-    std::set_union(m_chars.cbegin(), m_chars.cend(), other.m_chars.cbegin(), other.m_chars.cend(),
-                   std::back_inserter(all));
-    m_chars = all;
+    m_chars.insert(other.m_chars.cbegin(), other.m_chars.cend());
 }
 
 CharSet CharSet::intersected(const CharSet& other) const
 {
-    QString chars;
-    std::copy_if(m_chars.cbegin(), m_chars.cend(), std::back_inserter(chars),
-                 [&other](QChar c) { return other.contains(c); });
-    std::copy_if(other.m_chars.cbegin(), other.m_chars.cend(), std::back_inserter(chars),
-                 [this](QChar c) { return contains(c); });
-    CharSet set = ofText(chars);
-    set.m_classes = m_classes & other.m_classes;
+    CharSet set = ofClasses(m_classes & other.m_classes);
+    for (const std::set<QChar>* chars : {&m_chars, &other.m_chars})
+        std::copy_if(chars->cbegin(), chars->cend(), std::inserter(set.m_chars, set.m_chars.end()),
+                     [&](QChar c) { return contains(c) && other.contains(c); });
     return set;
 }

@@ -3,6 +3,8 @@
 
 #include <QString>
 
+#include <set>
+
 /// A set of characters: whole classes (CharClass::Bit) and single ones.
 class CharSet
 {
@@ -16,7 +18,7 @@ public:
     /// The characters of @p text.
     static CharSet ofText(const QString& text);
 
-    bool isEmpty() const { return m_classes == 0 && m_chars.isEmpty(); }
+    bool isEmpty() const { return m_classes == 0 && m_chars.empty(); }
 
     bool contains(QChar c) const;
 
@@ -31,7 +33,7 @@ public:
 
 private:
     unsigned m_classes = 0;
-    QString m_chars; // sorted, none twice
+    std::set<QChar> m_chars;
 };
 
 #endif

@@ -8,9 +8,6 @@
 #include "nearestname.h"
 #include "termfacts.h"
 
-#include <algorithm>
-#include <iterator>
-
 namespace {
 
 // Brackets are bounded by the compiler, so this recursion is.
@@ -37,24 +34,25 @@ std::vector<TermStd*> allDefinitions(const MainClass& rules)
     return definitions;
 }
 
-std::vector<TermStd*> definitionsNamed(const MainClass& rules, const QString& name)
+std::vector<TermStd*> definitionsNamed(const MainClass& rules, const std::string& name)
 {
+    // All names in a rule set are in upper case.
+    const QString recordName = QString::fromStdString(name).toUpper();
     std::vector<TermStd*> named;
-    const std::vector<TermStd*> all = allDefinitions(rules);
-    std::copy_if(all.begin(), all.end(), std::back_inserter(named),
-                 [&name](const TermStd* one) { return one->config.recordName == name; });
-    return named;
-}
-
-void printUnknownName(const MainClass& rules, const QString& name)
-{
     std::vector<std::string> known;
-    for (const TermStd* definition : allDefinitions(rules))
+    for (TermStd* definition : allDefinitions(rules)) {
         known.push_back(definition->config.recordName.toStdString());
-    std::string text = "there is no term and no message rule of that name";
-    if (const std::string nearest = nearestName(name.toStdString(), known); !nearest.empty())
-        text += "; the nearest one is " + nearest;
-    printError(name.toStdString(), text);
+        if (definition->config.recordName == recordName)
+            named.push_back(definition);
+    }
+    if (named.empty()) {
+        std::string text = "there is no term and no message rule of that name";
+        if (const std::string nearest = nearestName(recordName.toStdString(), known);
+            !nearest.empty())
+            text += "; the nearest one is " + nearest;
+        printError(recordName.toStdString(), text);
+    }
+    return named;
 }
 
 bool isCompound(const TermStd* definition)

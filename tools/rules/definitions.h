@@ -20,11 +20,9 @@ const MainClass& insideOf(const adexp::RuleSet& rules);
 /// The terms of @p rules in load order, then its message rules. Not owned.
 std::vector<TermStd*> allDefinitions(const MainClass& rules);
 
-/// Those of the name @p name, in upper case: a term and a message rule may share one.
-std::vector<TermStd*> definitionsNamed(const MainClass& rules, const QString& name);
-
-/// Reports that @p rules have no definition @p name, and the nearest name there is.
-void printUnknownName(const MainClass& rules, const QString& name);
+/// Those of the name @p name, in capital or small letters: a term and a message rule may share one.
+/// If there is none, this is reported with the nearest name there is.
+std::vector<TermStd*> definitionsNamed(const MainClass& rules, const std::string& name);
 
 /// True if the data of @p definition (loaded) is made of fields. Simple terms are not asked: they
 /// refer to no field, and the library's answer follows every path through their references.

@@ -1,8 +1,7 @@
 #ifndef EXCERPT_H
 #define EXCERPT_H
 
-#include "messagefield.h"
-#include "messagefinding.h"
+#include "messagefields.h"
 #include "textplaces.h"
 
 #include <QStringView>

@@ -10,7 +10,7 @@ constexpr int MostText = 200;
 // "error, line 3, column 12, reported 2 times"
 std::string whereabouts(const MessageFinding& finding, const TextPlaces& places)
 {
-    std::string text = finding.severity == adexp::Severity::Warning ? "warning" : "error";
+    std::string text = finding.kind();
     if (finding.begin >= 0) {
         const TextPlaces::Place place = places.placeOf(finding.begin);
         text += ", line " + withCommas(place.line) + ", column " + withCommas(place.column);
@@ -47,8 +47,7 @@ std::string findingList(const MessageFindings& findings, const MessageFields& fi
             html += " data-i=\"" + std::to_string(fieldAt(fields, finding.begin)) + '"';
         html += "><a href=\"#" + (hasPlace ? 'm' + number : std::string("text")) +
                 "\" tabindex=\"" + (i == 0 ? "0" : "-1") + "\"><span class=\"number " +
-                (finding.severity == adexp::Severity::Warning ? "warning" : "error") + "\">" +
-                number + "</span> ";
+                finding.kind() + "\">" + number + "</span> ";
         appendWhat(finding, &html);
         html += " <span class=\"where\">" + whereabouts(finding, places) + "</span></a></li>\n";
     }

@@ -1,8 +1,7 @@
 #ifndef FINDINGLIST_H
 #define FINDINGLIST_H
 
-#include "messagefield.h"
-#include "messagefinding.h"
+#include "messagefields.h"
 #include "textplaces.h"
 
 #include <string>

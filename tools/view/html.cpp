@@ -33,11 +33,8 @@ bool isTraceless(char32_t c)
 
 bool showsItself(char32_t c)
 {
-    if (c >= ' ' && c <= '~')
-        return true;
-    if (c == '\n' || c == '\t')
-        return true;
-    return QChar::isPrint(c) && !QChar::isSpace(c) && !isTraceless(c);
+    return (c >= ' ' && c <= '~') || c == '\n' || c == '\t' ||
+           (QChar::isPrint(c) && !QChar::isSpace(c) && !isTraceless(c));
 }
 
 std::string number(char32_t c)
@@ -70,45 +67,10 @@ std::string picture(char32_t c)
     return c == Delete ? "\u2421" : name(c);
 }
 
-void appendShown(char32_t c, QStringView units, std::string* html)
+std::string escapedCharacter(char32_t c)
 {
-    switch (c) {
-    case '&':
-        *html += "&amp;";
-        break;
-    case '<':
-        *html += "&lt;";
-        break;
-    case '>':
-        *html += "&gt;";
-        break;
-    case '"':
-        *html += "&quot;";
-        break;
-    case '\'':
-        *html += "&#39;";
-        break;
-    default:
-        html->append(units.toUtf8().toStdString());
-    }
-}
-
-// Calls append(character, its units) for each character. Half a pair counts as U+FFFD.
-template <typename Append>
-void forEachCharacter(QStringView text, Append append)
-{
-    for (qsizetype i = 0; i < text.size();) {
-        const QChar c = text[i];
-        const bool isPair =
-            c.isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate();
-        const qsizetype length = isPair ? 2 : 1;
-        if (isPair)
-            append(QChar::surrogateToUcs4(c, text[i + 1]), text.mid(i, length));
-        else
-            append(c.isSurrogate() ? char32_t{QChar::ReplacementCharacter} : char32_t{c.unicode()},
-                   text.mid(i, length));
-        i += length;
-    }
+    QString text = QString::fromUcs4(&c, 1).toHtmlEscaped();
+    return text.replace(u'\'', QLatin1String("&#39;")).toStdString();
 }
 
 bool isBlank(QChar c)
@@ -129,12 +91,12 @@ qsizetype keywordLength(QStringView text)
 
 void appendCharacters(QStringView text, std::string* html)
 {
-    forEachCharacter(text, [html](char32_t c, QStringView units) {
+    for (const char32_t c : text.toUcs4()) {
         if (showsItself(c))
-            appendShown(c, units, html);
+            *html += escapedCharacter(c);
         else
             *html += "<i class=\"symbol\" title=\"" + number(c) + "\">" + name(c) + "</i>";
-    });
+    }
 }
 
 } // namespace
@@ -160,12 +122,8 @@ void appendHtml(QStringView text, std::string* html)
 std::string plainHtml(QStringView text)
 {
     std::string html;
-    forEachCharacter(text, [&html](char32_t c, QStringView units) {
-        if (showsItself(c))
-            appendShown(c, units, &html);
-        else
-            html += picture(c);
-    });
+    for (const char32_t c : text.toUcs4())
+        html += showsItself(c) ? escapedCharacter(c) : picture(c);
     return html;
 }
 

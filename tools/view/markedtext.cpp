@@ -1,9 +1,9 @@
 #include "markedtext.h"
 
 #include "html.h"
-#include "message/adexpfield.h"
 
 #include <algorithm>
+#include <map>
 #include <set>
 
 MarkedText::MarkedText(QStringView text, const TextPlaces& places, const Excerpt& excerpt)
@@ -22,30 +22,18 @@ MarkedText::MarkedText(QStringView text, const TextPlaces& places, const Excerpt
 
 void MarkedText::splitIntoRuns()
 {
-    struct Bound
-    {
-        int position;
-        bool isBegin;
-        size_t finding;
-    };
-    std::vector<Bound> bounds;
+    std::multimap<int, size_t> bounds; // the begin of a finding, then its end
     for (size_t i = 0; i < m_findings.size(); ++i) {
-        const MessageFinding& finding = m_findings[i];
-        if (finding.begin < 0)
+        if (m_findings[i].begin < 0)
             continue;
-        bounds.push_back({m_places.characterBegin(finding.begin), true, i});
-        bounds.push_back({m_places.characterBegin(finding.end), false, i});
+        bounds.emplace(m_places.characterBegin(m_findings[i].begin), i);
+        bounds.emplace(m_places.characterBegin(m_findings[i].end), i);
     }
-    std::stable_sort(bounds.begin(), bounds.end(),
-                     [](const Bound& a, const Bound& b) { return a.position < b.position; });
-
     std::set<size_t> active;
-    for (const Bound& bound : bounds) {
-        m_runs.push_back({bound.position, {active.cbegin(), active.cend()}});
-        if (bound.isBegin)
-            active.insert(bound.finding);
-        else
-            active.erase(bound.finding);
+    for (const auto& [position, finding] : bounds) {
+        m_runs.push_back({position, {active.cbegin(), active.cend()}});
+        if (active.erase(finding) == 0)
+            active.insert(finding);
     }
     m_runs.push_back({m_places.size(), {}});
 }
@@ -169,8 +157,7 @@ void MarkedText::writeGap(int begin, int end)
 void MarkedText::openMark(size_t finding)
 {
     const std::string number = std::to_string(finding + 1);
-    const bool isWarning = m_findings[finding].severity == adexp::Severity::Warning;
-    m_html += isWarning ? "<mark class=\"warning\"" : "<mark class=\"error\"";
+    m_html += "<mark class=\"" + m_findings[finding].kind() + '"';
     if (!m_isBegun[finding])
         m_html += " id=\"m" + number + '"';
     m_isBegun[finding] = true;

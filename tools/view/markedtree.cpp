@@ -1,7 +1,6 @@
 #include "markedtree.h"
 
 #include "html.h"
-#include "message/adexpfield.h"
 
 #include <algorithm>
 
@@ -129,12 +128,8 @@ void MarkedTree::appendFindingNumbers(size_t index, std::string* html) const
     const size_t numbers = std::min(findings.size(), MostNumbers);
     for (size_t i = 0; i < numbers; ++i) {
         const std::string number = std::to_string(findings[i] + 1);
-        const bool isWarning = m_findings[findings[i]].severity == adexp::Severity::Warning;
-        *html += "<span class=\"number ";
-        *html += isWarning ? "warning" : "error";
-        html->append("\" title=\"finding ").append(number);
-        html->append("\" data-f=\"").append(number);
-        html->append("\">").append(number).append("</span> ");
+        *html += "<span class=\"number " + m_findings[findings[i]].kind() + "\" title=\"finding " +
+                 number + "\" data-f=\"" + number + "\">" + number + "</span> ";
     }
     const int others = m_fields[index].findings - static_cast<int>(numbers);
     if (others > 0)

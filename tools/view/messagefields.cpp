@@ -12,26 +12,24 @@ int keywordEndOf(const adexp::Field& field, int begin, const TextPlaces& places)
 {
     const int end = places.wordEnd(begin);
     const QString name = unicode(field.name());
-    const bool isName = !field.isList() && field.parent() &&
-                        (places.isWord(begin, end, name) || places.isWord(begin, end, u'-' + name));
-    return isName || field.name().empty() ? end : places.wordEnd(places.nextWord(end));
+    const QStringView keyword = places.text(begin, end);
+    const bool isName =
+        !field.isList() && field.parent() && (keyword == name || keyword == QString(u'-' + name));
+    return isName || name.isEmpty() ? end : places.wordEnd(places.nextWord(end));
 }
 
 // Of the "-END" or "- END" of a block that ends there; without one the end.
 int endKeywordOf(const adexp::Field& field, int end, const TextPlaces& places)
 {
-    const int name = places.wordBegin(end);
-    const int keywordEnd = places.previousWordEnd(name);
-    const int keyword = places.wordBegin(keywordEnd);
-    const bool isEnd = field.isList() && places.isWord(name, end, unicode(field.name()));
-    if (isEnd && places.isWord(keyword, keywordEnd, u"-END"))
+    const int name = places.previousWord(end);
+    if (!field.isList() || places.text(name, end) != unicode(field.name()))
+        return end;
+    const int keyword = places.previousWord(name);
+    const int hyphen = places.previousWord(keyword);
+    const QStringView word = places.text(keyword, name).trimmed();
+    if (word == u"-END")
         return keyword;
-    const int hyphenEnd = places.previousWordEnd(keyword);
-    const int hyphen = places.wordBegin(hyphenEnd);
-    return isEnd && places.isWord(keyword, keywordEnd, u"END") &&
-                   places.isWord(hyphen, hyphenEnd, u"-")
-               ? hyphen
-               : end;
+    return word == u"END" && places.text(hyphen, keyword).trimmed() == u"-" ? hyphen : end;
 }
 
 // What the field itself knows; an unset end is taken for that of the keyword. A call for each
@@ -96,14 +94,37 @@ void numberItemsOnce(MessageFields* fields)
     }
 }
 
+void countFindings(const MessageFindings& findings, MessageFields* fields)
+{
+    for (const MessageFinding& finding : findings)
+        if (finding.begin >= 0)
+            ++(*fields)[static_cast<size_t>(fieldAt(*fields, finding.begin))].findings;
+    for (auto field = fields->rbegin(); field != fields->rend(); ++field)
+        if (field->parent != -1)
+            (*fields)[static_cast<size_t>(field->parent)].findings += field->findings;
+}
+
 } // namespace
 
-MessageFields messageFields(const adexp::Field& root, const TextPlaces& places)
+int fieldAt(const MessageFields& fields, int position)
+{
+    const auto behind = std::upper_bound(
+        fields.cbegin(), fields.cend(), position,
+        [](int searched, const MessageField& field) { return searched < field.begin; });
+    int index = std::max(static_cast<int>(behind - fields.cbegin()) - 1, 0);
+    while (index > 0 && fields[static_cast<size_t>(index)].end <= position)
+        index = fields[static_cast<size_t>(index)].parent;
+    return index;
+}
+
+MessageFields messageFields(const adexp::Field& root, const TextPlaces& places,
+                            const MessageFindings& findings)
 {
     MessageFields fields;
     collect(root, -1, places, &fields);
     stretchOverSubFields(&fields);
     fitIntoParents(&fields);
     numberItemsOnce(&fields);
+    countFindings(findings, &fields);
     return fields;
 }

@@ -17,9 +17,8 @@ MessageFindings messageFindings(const adexp::Findings& findings)
         const auto [known, isNew] =
             indexes.emplace(Key{begin, end, finding.text(), finding.detail()}, all.size());
         if (isNew)
-            all.push_back({finding.severity() == adexp::Severity::Warning ? adexp::Severity::Warning
-                                                                          : adexp::Severity::Error,
-                           unicode(finding.text()), unicode(finding.detail()), begin, end});
+            all.push_back({finding.severity() == adexp::Severity::Warning, unicode(finding.text()),
+                           unicode(finding.detail()), begin, end});
         else
             ++all[known->second].count;
     }

@@ -9,6 +9,7 @@
 #include <QFile>
 
 #include <algorithm>
+#include <map>
 #include <utility>
 
 namespace {
@@ -57,49 +58,36 @@ MessagePage::MessagePage(PageContent content)
 
 std::string MessagePage::html() const
 {
+    const QByteArray style = resource("page.css");
+    const QByteArray script = resource("page.js");
+    const std::map<std::string, std::string> values{
+        {"STYLE", style.toStdString()},
+        {"STYLE_HASH", hashOf(style)},
+        {"SCRIPT", script.toStdString()},
+        {"SCRIPT_HASH", hashOf(script)},
+        {"TITLE", plainHtml(heading())},
+        {"HEADING", inlineHtml(heading())},
+        {"PLAIN_NAME", plainHtml(m_content.name)},
+        {"NAME", inlineHtml(m_content.name)},
+        {"COUNTS", counts()},
+        {"FAILURE", failure()},
+        {"LEFT_OUT", leftOut()},
+        {"TEXT", MarkedText(m_content.text, m_places, m_excerpt).html()},
+        {"FINDINGS", findings()},
+        {"FIELDS", fields()},
+        {"SETTINGS", inlineHtml(m_content.settings)},
+        {"VERSION", ADEXP_VERSION},
+    };
     // The values are not searched for placeholders.
     const std::string page = resource("page.html").toStdString();
     std::string html;
     size_t begin = 0;
     for (size_t at = page.find('@'); at != std::string::npos; at = page.find('@', begin)) {
         const size_t end = page.find('@', at + 1);
-        html += page.substr(begin, at - begin) + valueOf(page.substr(at + 1, end - at - 1));
+        html += page.substr(begin, at - begin) + values.at(page.substr(at + 1, end - at - 1));
         begin = end + 1;
     }
     return html + page.substr(begin);
-}
-
-std::string MessagePage::valueOf(const std::string& placeholder) const
-{
-    if (placeholder == "STYLE")
-        return resource("page.css").toStdString();
-    if (placeholder == "STYLE_HASH")
-        return hashOf(resource("page.css"));
-    if (placeholder == "SCRIPT")
-        return resource("page.js").toStdString();
-    if (placeholder == "SCRIPT_HASH")
-        return hashOf(resource("page.js"));
-    if (placeholder == "TITLE")
-        return plainHtml(heading());
-    if (placeholder == "HEADING")
-        return inlineHtml(heading());
-    if (placeholder == "PLAIN_NAME")
-        return plainHtml(m_content.name);
-    if (placeholder == "NAME")
-        return inlineHtml(m_content.name);
-    if (placeholder == "COUNTS")
-        return counts();
-    if (placeholder == "FAILURE")
-        return failure();
-    if (placeholder == "LEFT_OUT")
-        return leftOut();
-    if (placeholder == "TEXT")
-        return MarkedText(m_content.text, m_places, m_excerpt).html();
-    if (placeholder == "FINDINGS")
-        return findings();
-    if (placeholder == "FIELDS")
-        return fields();
-    return placeholder == "SETTINGS" ? inlineHtml(m_content.settings) : ADEXP_VERSION;
 }
 
 std::string MessagePage::heading() const
@@ -109,12 +97,9 @@ std::string MessagePage::heading() const
 
 std::string MessagePage::counts() const
 {
-    const auto countFindings = [this](adexp::Severity severity) {
-        return std::count_if(m_content.findings.cbegin(), m_content.findings.cend(),
-                             [severity](const auto& item) { return item.severity == severity; });
-    };
-    const auto errors = countFindings(adexp::Severity::Error);
-    const auto warnings = countFindings(adexp::Severity::Warning);
+    const auto warnings = std::count_if(m_content.findings.cbegin(), m_content.findings.cend(),
+                                        [](const auto& finding) { return finding.isWarning; });
+    const auto errors = static_cast<qint64>(m_content.findings.size()) - warnings;
     const auto unknown = std::count_if(m_content.fields.cbegin(), m_content.fields.cend(),
                                        [](const MessageField& field) { return !field.isKnown; });
 

@@ -41,7 +41,6 @@ public:
     std::string html() const;
 
 private:
-    std::string valueOf(const std::string& placeholder) const;
     std::string heading() const;
     std::string counts() const;
     std::string failure() const;

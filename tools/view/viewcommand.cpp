@@ -1,6 +1,5 @@
-#include "viewcommand.h"
-
 #include "commandline.h"
+#include "commands.h"
 #include "console.h"
 #include "inputfile.h"
 #include "loadedrules.h"
@@ -9,12 +8,22 @@
 #include "messagepage.h"
 #include "outputfile.h"
 #include "readfiles.h"
+#include "settingsfile.h"
 #include "unicode.h"
 #include "whynotconverted.h"
 
 #include <CLI/CLI.hpp>
 
+#include <memory>
+
 namespace {
+
+struct ViewOptions
+{
+    std::string settings = BuiltInSettings;
+    std::string file;   // the message
+    std::string output; // the page; empty or "-": standard output
+};
 
 constexpr const char* ViewFooter =
     "One HTML page for a browser, which needs no network: the text of the message with its\n"
@@ -65,8 +74,7 @@ ExitCode view(const ViewOptions& options, const std::string& message, const adex
                         {},
                         messageFindings(result.findings())};
     if (result.isOk())
-        content.fields = messageFields(*result.message(), TextPlaces(text));
-    countFindings(content.findings, &content.fields);
+        content.fields = messageFields(*result.message(), TextPlaces(text), content.findings);
     if (!writePage(options, MessagePage(content).html()))
         return ExitCode::NotDone;
     if (!content.failure.empty()) {
@@ -76,42 +84,36 @@ ExitCode view(const ViewOptions& options, const std::string& message, const adex
     return result.findings().empty() ? ExitCode::Success : ExitCode::WithDiagnostics;
 }
 
-ExitCode runComplete(const ViewOptions& options)
+ExitCode runView(ViewOptions options)
 {
+    if (options.output == "-")
+        options.output.clear();
     std::string message;
     if (const std::string error = readInput(options.file, &message); !error.empty()) {
         printError(displayName(options.file), "no page: " + error);
         return ExitCode::NotDone;
     }
-    const LoadedRules rules(options.settings);
-    if (!rules.isLoaded())
-        return rules.status();
-    if (const std::string error = checkOutput(options); !error.empty()) {
+    return withRules(options.settings, false, [&](const adexp::RuleSet& rules) {
+        const std::string error = checkOutput(options);
+        if (error.empty())
+            return view(options, message, rules);
         printError(options.output, "cannot be written: " + error);
         return ExitCode::NotDone;
-    }
-    return worse(rules.status(), view(options, message, rules.rules()));
+    });
 }
 
 } // namespace
 
-CLI::App* addViewCommand(CLI::App* app, ViewOptions* options)
+void addViewCommand(CLI::App* app, ExitCode* status)
 {
     CLI::App* const command =
         app->add_subcommand("view", "Show a message and its findings as an HTML page");
+    const auto options = std::make_shared<ViewOptions>();
     addFooter(command, ViewFooter);
     addSettingsOption(command, &options->settings);
     addTextOption(command, "-o,--output", &options->output,
                   "Write the page to FILE. \"-\", and no -o, is standard output")
         ->type_name("FILE");
     command->add_option("FILE", options->file, "Message")->type_name("")->required();
-    return command;
-}
-
-ExitCode runView(const ViewOptions& options)
-{
-    ViewOptions complete = options;
-    if (complete.output == "-")
-        complete.output.clear();
-    return runComplete(complete);
+    command->final_callback([options, status] { *status = runView(*options); });
 }
