@@ -132,9 +132,10 @@ typedef enum adexp_status {
     ADEXP_SETTINGS_UNREADABLE = 1, /* the settings file cannot be read as an ini file */
     ADEXP_RULES_UNREADABLE = 2,    /* one of the four rule files cannot be read */
     ADEXP_NO_MEMORY = 3,           /* memory ran out */
-    ADEXP_BAD_ARGUMENT = 4,        /* a null pointer, or a flag that this version does not know */
+    ADEXP_BAD_ARGUMENT = 4,        /* a null pointer, a flag that this version does not know, or
+                                      options without their size */
     ADEXP_NO_TITLE = 5,            /* there is no "-TITLE" in the message */
-    ADEXP_NO_RULE = 6,             /* no rule for the title, or no word behind "-TITLE" */
+    ADEXP_NO_RULE = 6,             /* no rule for the title, or no word after "-TITLE" */
     ADEXP_TOO_LARGE = 7            /* message, or strings of the result, of 2 GiB and more */
 } adexp_status;
 
@@ -231,7 +232,8 @@ typedef struct adexp_text
 
 /* A stretch of the message, three times: in UTF-16 units of the text as the document has it
  * (without carriage returns; the counts are those of its attributes field_begin and field_end), in
- * bytes of the text that the caller gave, and as line and column of its begin. Never grows. */
+ * bytes of the text that the caller gave, and as line and column of its begin. A line feed ends a
+ * line. A byte order mark at the begin of the message counts in the bytes only. Never grows. */
 typedef struct adexp_place
 {
     int32_t begin, end; /* units from 0, end behind the last one; -1: not set */
@@ -247,18 +249,20 @@ typedef struct adexp_field
     adexp_text name, data; /* data: the field's own, trimmed; without the fields inside it */
     int32_t parent;        /* the index of the field that this one stands in */
     int32_t next;          /* the index behind the last field inside this one */
-    int32_t item;          /* in a list: the number of its item, from 1; 0: not in a list */
+    int32_t item;          /* right inside a list: the number of its item, from 1; else 0 */
     uint32_t flags;        /* ADEXP_FIELD_KNOWN, ADEXP_FIELD_LIST */
-    adexp_place place;     /* from the keyword (of a list: from -BEGIN) to the last word */
+    adexp_place place;     /* from the keyword to the last word. With its hyphen, unless that stands
+                              alone ("- ARCID"); of a list from -BEGIN on */
 } adexp_field;
 
 /* What is wrong with a message or a rule set.
  *
  * Of a message: `path` is the path of the field ("RTEPTS/PT/FL", empty for the message itself),
  * `field` its index among the fields (also if these are left out), `place` where it is in the text.
- * Of a rule set: `path` is the name of the definition or the title of the rule, `file` and the line
- * and column of `place` where the record stands; begin is the place in its expression with white
- * space simplified, and there are no bytes. */
+ * In an empty message there is no place.
+ * Of a rule set: `path` is the name of the definition or the title of the rule, `file` the rule
+ * file or the settings file; line and column of `place` are those of the end of the record's start
+ * tag. begin is the place in its expression with white space simplified, and there are no bytes. */
 typedef struct adexp_finding
 {
     int32_t code;      /* an adexp_code */
@@ -287,7 +291,7 @@ typedef struct adexp_view
     size_t field_count, field_stride; /* stride: bytes from one to the next */
     const adexp_finding* findings;    /* in the order in which they were found */
     size_t finding_count, finding_stride;
-    adexp_text title; /* the word behind -TITLE; empty if there is none */
+    adexp_text title; /* the word after -TITLE; empty if there is none */
 } adexp_view;
 
 /* What is asked of a conversion. Set all of it to 0, then size, then what is wanted. */
@@ -313,7 +317,8 @@ ADEXP_EXPORT adexp_status adexp_rules_load(const char* settings, size_t length,
 /* One more share in a rule set. Returns rules, which may be null. */
 ADEXP_EXPORT adexp_rules* adexp_rules_share(adexp_rules* rules);
 
-/* The status and the findings of loading. Valid as long as there is a share in the rule set. */
+/* The status and the findings of loading. Valid as long as there is a share in the rule set. Null
+ * for the rule set: nothing, with the status ADEXP_BAD_ARGUMENT. view: not null, its size set. */
 ADEXP_EXPORT void adexp_rules_view(const adexp_rules* rules, adexp_view* view);
 
 /* Gives a share back; the last one takes the rule set with it. Null is allowed. */
@@ -329,13 +334,13 @@ ADEXP_EXPORT adexp_result* adexp_result_new(void);
  * length   its length in bytes.
  * options  null: document, fields and findings.
  *
- * Returns the status, which the result has, too. Fields and findings are there also for
- * ADEXP_NO_RULE, findings and title also for ADEXP_NO_TITLE. */
+ * Returns the status, which the result has, too. Findings are there also for ADEXP_NO_RULE and
+ * ADEXP_NO_TITLE; without a rule the only field is the message itself. */
 ADEXP_EXPORT adexp_status adexp_convert(const adexp_rules* rules, const char* text, size_t length,
                                         const adexp_options* options, adexp_result* result);
 
 /* Converts many messages in one call: texts[i], of lengths[i] bytes, into results[i], each as
- * adexp_convert() does. For callers to whom a call is dear, as it is from other languages.
+ * adexp_convert() does. For callers to whom each call costs much, as from other languages.
  *
  * results  `count` different results; none may be null.
  *
@@ -346,7 +351,8 @@ ADEXP_EXPORT adexp_status adexp_convert_many(const adexp_rules* rules, const cha
                                              const adexp_options* options,
                                              adexp_result* const* results);
 
-/* All of a result. Valid until the next conversion into it, or its release. */
+/* All of a result. Valid until the next conversion into it, or its release. Null for the result:
+ * nothing, with the status ADEXP_BAD_ARGUMENT. view: not null, its size set. */
 ADEXP_EXPORT void adexp_result_view(const adexp_result* result, adexp_view* view);
 
 /* Releases a result. Null is allowed. */
@@ -358,10 +364,10 @@ ADEXP_EXPORT const char* adexp_code_name(int code);
 /* The field and the finding at an index below the count of the view. */
 #define adexp_field_at(view, index)                                                                \
     ((const adexp_field*)(const void*)((const char*)(view)->fields +                               \
-                                       (index) * (view)->field_stride))
+                                       (size_t)(index) * (view)->field_stride))
 #define adexp_finding_at(view, index)                                                              \
     ((const adexp_finding*)(const void*)((const char*)(view)->findings +                           \
-                                         (index) * (view)->finding_stride))
+                                         (size_t)(index) * (view)->finding_stride))
 
 #ifdef __cplusplus
 }

@@ -11,7 +11,11 @@
 /// A RuleSet is a share in a rule set that never changes: copies are cheap, and any number of
 /// threads may use one at the same time. A Result belongs to one thread at a time. Fields, findings
 /// and texts are views into the result (or rule set) that gave them: they are valid until it goes
-/// away, is assigned to, or takes the next conversion.
+/// away, is assigned to, or takes the next conversion. An object that was moved from can be
+/// assigned to, used for the next conversion (Result), or destroyed.
+///
+/// As with the functions of adexp.h, nothing may be used after main() has ended, so a RuleSet or
+/// Result should not be static.
 ///
 /// The only exception that leaves these classes is std::bad_alloc. What can go wrong besides is a
 /// Status.
@@ -74,6 +78,15 @@ const Item& itemAt(const Item* first, std::size_t index, std::size_t stride)
     return *reinterpret_cast<const Item*>(reinterpret_cast<const char*>(first) + index * stride);
 }
 
+// What an iterator's arrow gives, whose items are made for the call.
+template <typename Item>
+struct Arrow
+{
+    const Item* operator->() const { return &item; }
+
+    Item item;
+};
+
 } // namespace detail
 
 class Fields;
@@ -89,7 +102,7 @@ public:
 
     bool isKnown() const { return (at().flags & ADEXP_FIELD_KNOWN) != 0; }
     bool isList() const { return (at().flags & ADEXP_FIELD_LIST) != 0; }
-    /// In a list: the number of its item, from 1; 0: not in a list.
+    /// The number of its item, from 1, if it stands right inside a list. 0: it does not.
     int item() const { return at().item; }
 
     const Place& place() const { return at().place; }
@@ -137,12 +150,15 @@ public:
         using pointer = void;
         using reference = Field;
 
+        Iterator() = default;
         Field operator*() const { return Field(m_view, m_index); }
+        detail::Arrow<Field> operator->() const { return {**this}; }
         Iterator& operator++()
         {
             m_index = m_isDeep ? m_index + 1 : Field(m_view, m_index).at().next;
             return *this;
         }
+        Iterator operator++(int) { return std::exchange(*this, std::next(*this)); }
         bool operator==(const Iterator& other) const { return m_index == other.m_index; }
         bool operator!=(const Iterator& other) const { return m_index != other.m_index; }
 
@@ -153,13 +169,14 @@ public:
         {
         }
 
-        const adexp_view* m_view;
-        int m_index;
-        bool m_isDeep;
+        const adexp_view* m_view = nullptr;
+        int m_index = 0;
+        bool m_isDeep = false;
     };
 
     Iterator begin() const { return {m_view, m_begin, m_isDeep}; }
     Iterator end() const { return {m_view, m_end, m_isDeep}; }
+    std::size_t size() const { return static_cast<std::size_t>(std::distance(begin(), end())); }
     bool empty() const { return m_begin == m_end; }
 
     /// The first of that name; nothing if there is none.
@@ -210,7 +227,7 @@ public:
     std::string_view file() const { return text(at().file); }
     /// As the functions of the default rule set write it, the last blank included.
     std::string_view line() const { return text(at().line); }
-    /// The index of the field among the fields of the message; -1: none.
+    /// The index of the field that it is about, for Result::field(); -1: none.
     int field() const { return at().field; }
     const Place& place() const { return at().place; }
 
@@ -241,12 +258,15 @@ public:
         using pointer = void;
         using reference = Finding;
 
+        Iterator() = default;
         Finding operator*() const { return Finding(m_view, m_index); }
+        detail::Arrow<Finding> operator->() const { return {**this}; }
         Iterator& operator++()
         {
             ++m_index;
             return *this;
         }
+        Iterator operator++(int) { return std::exchange(*this, std::next(*this)); }
         bool operator==(const Iterator& other) const { return m_index == other.m_index; }
         bool operator!=(const Iterator& other) const { return m_index != other.m_index; }
 
@@ -254,8 +274,8 @@ public:
         friend class Findings;
         Iterator(const adexp_view* view, std::size_t index) : m_view(view), m_index(index) {}
 
-        const adexp_view* m_view;
-        std::size_t m_index;
+        const adexp_view* m_view = nullptr;
+        std::size_t m_index = 0;
     };
 
     Iterator begin() const { return {m_view, 0}; }
@@ -276,6 +296,8 @@ private:
 };
 
 /// The result of a conversion. It can be used for the next one, which then asks the heap for less.
+/// A result whose fields and findings are gone through must have a name: those of a temporary one
+/// would be gone at once.
 class Result
 {
 public:
@@ -293,28 +315,33 @@ public:
 
     /// The document; empty if there is none.
     std::string_view document() const { return {m_view->document, m_view->document_size}; }
-    /// The word behind -TITLE.
+    /// The word after -TITLE.
     std::string_view title() const
     {
         return {m_view->strings + m_view->title.at, m_view->title.size};
     }
 
-    Findings findings() const { return Findings(m_view.get()); }
+    Findings findings() const& { return Findings(m_view.get()); }
+    Findings findings() && = delete;
 
     /// All fields of the message, each before those inside it; without the message itself.
-    Fields fields() const
+    Fields fields() const&
     {
         const int count = static_cast<int>(m_view->field_count);
         return {m_view.get(), count == 0 ? 0 : 1, count, true};
     }
+    Fields fields() && = delete;
     /// The message itself, whose children are the outermost fields; nothing without a title, or if
     /// no fields were asked for.
-    std::optional<Field> message() const
+    std::optional<Field> message() const& { return field(0); }
+    std::optional<Field> message() && = delete;
+    /// The field at an index; nothing if there is none.
+    std::optional<Field> field(int index) const&
     {
-        return m_view->field_count == 0 ? std::nullopt : std::optional(field(0));
+        const bool isThere = index >= 0 && static_cast<std::size_t>(index) < m_view->field_count;
+        return isThere ? std::optional(Field(m_view.get(), index)) : std::nullopt;
     }
-    /// The field at an index, which must be one of a field of this result.
-    Field field(int index) const { return Field(m_view.get(), index); }
+    std::optional<Field> field(int index) && = delete;
 
     /// The arrays behind it, as C has them.
     const adexp_view& view() const { return *m_view; }
@@ -346,7 +373,8 @@ public:
     /// status.
     explicit RuleSet(std::string_view settings)
     {
-        if (adexp_rules_load(settings.data(), settings.size(), &m_rules) == ADEXP_NO_MEMORY)
+        adexp_rules_load(settings.data(), settings.size(), &m_rules);
+        if (!m_rules)
             throw std::bad_alloc();
         look();
     }
@@ -354,7 +382,7 @@ public:
     {
     }
     RuleSet(RuleSet&& other) noexcept
-        : m_rules(std::exchange(other.m_rules, nullptr)), m_view(other.m_view)
+        : m_rules(std::exchange(other.m_rules, nullptr)), m_view(std::exchange(other.m_view, {}))
     {
     }
     RuleSet& operator=(RuleSet other) noexcept
@@ -365,12 +393,16 @@ public:
     }
     ~RuleSet() { adexp_rules_release(m_rules); }
 
-    /// Ok, SettingsUnreadable or RulesUnreadable.
-    Status status() const { return static_cast<Status>(m_view.status); }
+    /// Ok, SettingsUnreadable or RulesUnreadable; BadArgument after it was moved from.
+    Status status() const
+    {
+        return m_rules ? static_cast<Status>(m_view.status) : Status::BadArgument;
+    }
     bool isLoaded() const { return status() == Status::Ok; }
     /// What is wrong with the rule set. Single definitions may have been refused although it is
     /// loaded.
-    Findings findings() const { return Findings(&m_view); }
+    Findings findings() const& { return Findings(&m_view); }
+    Findings findings() && = delete;
 
     /// The rule set as C has it; this share keeps it.
     const adexp_rules* handle() const { return m_rules; }
@@ -385,6 +417,8 @@ public:
                       (options.fields ? unsigned{ADEXP_FIELDS} : 0U) |
                       (options.findings ? unsigned{ADEXP_FINDINGS} : 0U);
         wanted.max_findings = options.maxFindings;
+        if (!result->m_result)
+            *result = Result();
         const adexp_status status =
             adexp_convert(m_rules, message.data(), message.size(), &wanted, result->m_result.get());
         result->look();

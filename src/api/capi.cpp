@@ -17,14 +17,26 @@ namespace {
 
 constexpr std::uint32_t All = ADEXP_DOCUMENT | ADEXP_FIELDS | ADEXP_FINDINGS;
 
-// What the caller asks for, who may have been compiled with fewer options.
+// What the caller asks for, who may have been compiled with fewer options. Wanting something that
+// does not exist stands for options that make no sense.
 adexp_options complete(const adexp_options* options)
 {
     adexp_options known{};
     known.want = All;
-    if (options)
+    if (options && options->size < offsetof(adexp_options, max_findings))
+        known.want = ~All;
+    else if (options)
         std::memcpy(&known, options, std::min(options->size, sizeof known));
     return known;
+}
+
+// What there is to see of no rule set or result.
+void showNothing(adexp_view* view)
+{
+    adexp_view nothing{};
+    nothing.status = ADEXP_BAD_ARGUMENT;
+    nothing.strings = "";
+    copyKnown(nothing, view);
 }
 
 } // namespace
@@ -43,6 +55,10 @@ try {
     ViewData& loading = loaded->loading;
     loading.restart(ADEXP_OK, 0);
     loading.status = SettingsFile::load(path, loaded.get(), &loading);
+    for (adexp_finding& finding : loading.findings) {
+        if (finding.file.size == 0)
+            finding.file = loading.add(path);
+    }
     *rules = loaded.release();
     return (*rules)->loading.status;
 } catch (const abi::__forced_unwind&) {
@@ -58,7 +74,10 @@ adexp_rules* adexp_rules_share(adexp_rules* rules)
 
 void adexp_rules_view(const adexp_rules* rules, adexp_view* view)
 {
-    rules->loading.show({}, view);
+    if (rules)
+        rules->loading.show({}, view);
+    else
+        showNothing(view);
 }
 
 void adexp_rules_release(adexp_rules* rules)
@@ -113,7 +132,10 @@ adexp_status adexp_convert_many(const adexp_rules* rules, const char* const* tex
 
 void adexp_result_view(const adexp_result* result, adexp_view* view)
 {
-    result->show(view);
+    if (result)
+        result->show(view);
+    else
+        showNothing(view);
 }
 
 void adexp_result_release(adexp_result* result)

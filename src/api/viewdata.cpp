@@ -7,6 +7,12 @@
 #include <cstring>
 #include <stdexcept>
 
+void copyKnown(adexp_view all, adexp_view* view)
+{
+    all.size = view->size;
+    std::memcpy(view, &all, std::min(view->size, sizeof all));
+}
+
 void ViewData::restart(adexp_status newStatus, std::uint32_t maxFindings)
 {
     status = newStatus;
@@ -64,7 +70,6 @@ adexp_text ViewData::add(QStringView text)
 void ViewData::show(std::string_view document, adexp_view* view) const
 {
     adexp_view all{};
-    all.size = view->size;
     all.status = status;
     all.left_out = m_leftOut;
     all.document = document.empty() ? nullptr : document.data();
@@ -78,5 +83,5 @@ void ViewData::show(std::string_view document, adexp_view* view) const
     all.finding_count = findings.size();
     all.finding_stride = sizeof(adexp_finding);
     all.title = title;
-    std::memcpy(view, &all, std::min(view->size, sizeof all));
+    copyKnown(all, view);
 }

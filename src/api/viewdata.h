@@ -8,6 +8,9 @@
 #include <string>
 #include <vector>
 
+/// Fills @p view from @p all; nothing beyond the size that the caller knows, which stays.
+void copyKnown(adexp_view all, adexp_view* view);
+
 /// What an adexp_view shows, in memory that can be used again: the texts in one buffer, the fields
 /// and the findings. As a reporter it takes findings.
 class ViewData : public Reporter
@@ -21,7 +24,7 @@ public:
     /// Adds a text. Throws std::length_error if there are more than 2 GiB of them.
     adexp_text add(QStringView text);
 
-    /// Fills the view; nothing beyond the size that the caller knows.
+    /// Fills the view as copyKnown() does.
     void show(std::string_view document, adexp_view* view) const;
 
     adexp_status status = ADEXP_BAD_ARGUMENT;

@@ -9,6 +9,8 @@
 #include <cstring>
 #include <memory>
 #include <string>
+#include <type_traits>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -70,7 +72,18 @@ TEST(RuleSet, ThatCannotBeLoadedTellsWhyAndCanBeUsed)
     const adexp::RuleSet rules("/nowhere/adexp.ini");
     EXPECT_EQ(rules.status(), adexp::Status::RulesUnreadable);
     EXPECT_EQ(codesOf(rules.findings()), (Texts{"missing-path", "file-not-loaded"}));
+    EXPECT_EQ(rules.findings()[0].file(), "/nowhere/adexp.ini");
     EXPECT_EQ(rules.convert(Message).status(), adexp::Status::NoRule);
+}
+
+TEST(RuleSet, ThatWasMovedFromIsEmpty)
+{
+    adexp::RuleSet first("/nowhere/adexp.ini");
+    const adexp::RuleSet second = std::move(first);
+    EXPECT_EQ(first.status(), adexp::Status::BadArgument); // NOLINT(bugprone-use-after-move)
+    EXPECT_TRUE(first.findings().empty());
+    EXPECT_EQ(first.convert(Message).status(), adexp::Status::BadArgument);
+    EXPECT_FALSE(second.findings().empty());
 }
 
 TEST(RuleSet, LivesAsLongAsACopy)
@@ -145,12 +158,12 @@ TEST(Conversion, GivesTheFindings)
     EXPECT_EQ(unknown.severity(), adexp::Severity::Error);
     EXPECT_EQ(unknown.text(), "rule NOSUCH for IFPL not found");
     EXPECT_EQ(unknown.path(), "NOSUCH");
-    EXPECT_EQ(result.field(unknown.field()).name(), "NOSUCH");
+    EXPECT_EQ(result.field(unknown.field())->name(), "NOSUCH");
     EXPECT_EQ(stretch(message, unknown.place()), "-NOSUCH");
     const adexp::Finding incorrect = result.findings()[1];
     EXPECT_EQ(incorrect.detail(), "?");
     EXPECT_EQ(incorrect.place().line, 3);
-    EXPECT_EQ(result.field(incorrect.field()).name(), "ADEP");
+    EXPECT_EQ(result.field(incorrect.field())->name(), "ADEP");
 }
 
 TEST(Conversion, TellsThePathOfAFieldInsideOthers)
@@ -159,7 +172,7 @@ TEST(Conversion, TellsThePathOfAFieldInsideOthers)
         builtIn().convert("-TITLE IFPL -BEGIN RTEPTS -PT -PTID BEPAN -FL ? -END RTEPTS");
     ASSERT_EQ(result.findings().size(), 1U);
     EXPECT_EQ(result.findings()[0].path(), "RTEPTS/PT/FL");
-    EXPECT_EQ(result.field(result.findings()[0].field()).name(), "FL");
+    EXPECT_EQ(result.field(result.findings()[0].field())->name(), "FL");
 }
 
 TEST(Conversion, TellsWhyThereIsNoDocument)
@@ -167,8 +180,8 @@ TEST(Conversion, TellsWhyThereIsNoDocument)
     const auto convert = [](std::string_view message) { return builtIn().convert(message); };
     EXPECT_EQ(convert("").status(), adexp::Status::NoTitle);
     EXPECT_EQ(convert("-ARCID X").status(), adexp::Status::NoTitle);
-    EXPECT_EQ(codesOf(convert("-ARCID").findings()),
-              (Texts{"field-before-title", "missing-title"}));
+    const adexp::Result noTitle = convert("-ARCID");
+    EXPECT_EQ(codesOf(noTitle.findings()), (Texts{"field-before-title", "missing-title"}));
     EXPECT_EQ(convert("-TITLE NOBODY").status(), adexp::Status::NoRule);
     EXPECT_EQ(convert("-TITLE NOBODY").title(), "NOBODY");
     EXPECT_EQ(convert("-TITLE").status(), adexp::Status::NoRule);
@@ -184,15 +197,19 @@ TEST(Conversion, MakesWhatIsAskedForOnly)
     EXPECT_EQ(builtIn().convert(Message, options).status(), adexp::Status::Ok);
     options = {};
     options.fields = false;
-    EXPECT_TRUE(builtIn().convert(Message, options).fields().empty());
-    EXPECT_EQ(builtIn().convert(Message, options).findings()[0].field(), 2);
+    adexp::Result result = builtIn().convert(Message, options);
+    EXPECT_TRUE(result.fields().empty());
+    EXPECT_EQ(result.findings()[0].field(), 2);
+    EXPECT_FALSE(result.field(2));
     options = {};
     options.findings = false;
-    EXPECT_TRUE(builtIn().convert(Message, options).findings().empty());
+    builtIn().convert(Message, &result, options);
+    EXPECT_TRUE(result.findings().empty());
     options.findings = true;
     options.maxFindings = 1;
-    EXPECT_EQ(builtIn().convert(Message, options).findings().size(), 1U);
-    EXPECT_EQ(builtIn().convert(Message, options).findings().leftOut(), 1U);
+    builtIn().convert(Message, &result, options);
+    EXPECT_EQ(result.findings().size(), 1U);
+    EXPECT_EQ(result.findings().leftOut(), 1U);
 }
 
 TEST(Conversion, IntoAUsedResultIsAsIntoANewOne)
@@ -234,6 +251,44 @@ TEST(Result, WithoutAConversionIsEmpty)
     EXPECT_TRUE(result.findings().empty());
 }
 
+TEST(Result, ThatWasMovedFromTakesTheNextConversion)
+{
+    adexp::Result first = builtIn().convert(Message);
+    const adexp::Result second = std::move(first);
+    builtIn().convert("-TITLE RFI -ARCID A1", &first); // NOLINT(bugprone-use-after-move)
+    EXPECT_EQ(first.title(), "RFI");
+    EXPECT_EQ(second.title(), "IFPL");
+}
+
+template <typename Value, typename = void>
+constexpr bool givesFindings = false;
+template <typename Value>
+constexpr bool givesFindings<Value, std::void_t<decltype(std::declval<Value>().findings())>> = true;
+
+TEST(Result, GivesNoFindingsIfNothingKeepsIt)
+{
+    // `for (Finding finding : rules.convert(message).findings())` would go through what is gone.
+    EXPECT_TRUE(givesFindings<adexp::Result&>);
+    EXPECT_TRUE(givesFindings<const adexp::RuleSet&>);
+    EXPECT_FALSE(givesFindings<adexp::Result>);
+    EXPECT_FALSE(givesFindings<adexp::RuleSet>);
+}
+
+TEST(Result, IteratorsAreThoseOfTheLanguage)
+{
+    const adexp::Result result = builtIn().convert(Message);
+    const adexp::Fields fields = result.fields();
+    auto field = fields.begin();
+    EXPECT_EQ((*field++).name(), "ARCID");
+    EXPECT_EQ(field->name(), "NOSUCH");
+    EXPECT_EQ(fields.size(), namesOf(fields).size());
+    EXPECT_EQ(result.message()->children().size(), 4U);
+    const adexp::Findings findings = result.findings();
+    auto finding = findings.begin();
+    EXPECT_EQ((*finding++).codeName(), findings[0].codeName());
+    EXPECT_EQ(finding->codeName(), findings[1].codeName());
+}
+
 struct CRules
 {
     CRules() { adexp_rules_load(adexp::BuiltIn.data(), adexp::BuiltIn.size(), &rules); }
@@ -258,6 +313,17 @@ TEST(CInterface, RefusesBadArguments)
     EXPECT_EQ(adexp_convert(c.rules, nullptr, 1, nullptr, c.result), ADEXP_BAD_ARGUMENT);
     EXPECT_EQ(adexp_convert(c.rules, "", 0, nullptr, nullptr), ADEXP_BAD_ARGUMENT);
     EXPECT_EQ(adexp_convert(c.rules, "", 0, &options, c.result), ADEXP_BAD_ARGUMENT);
+    options.want = ADEXP_FIELDS;
+    options.size = 0; // forgotten
+    EXPECT_EQ(adexp_convert(c.rules, "", 0, &options, c.result), ADEXP_BAD_ARGUMENT);
+    adexp_view view{};
+    view.size = sizeof view;
+    adexp_result_view(nullptr, &view);
+    EXPECT_EQ(view.status, ADEXP_BAD_ARGUMENT);
+    EXPECT_STREQ(view.strings, "");
+    view.status = ADEXP_OK;
+    adexp_rules_view(nullptr, &view);
+    EXPECT_EQ(view.status, ADEXP_BAD_ARGUMENT);
     EXPECT_EQ(adexp_convert(c.rules, "", std::size_t(1) << 31, nullptr, c.result), ADEXP_TOO_LARGE);
     adexp_rules_release(nullptr);
     adexp_result_release(nullptr);
