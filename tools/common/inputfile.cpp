@@ -29,17 +29,6 @@ InputFile::InputFile(const std::string& argument)
     : m_descriptor(argument == StandardInput ? STDIN_FILENO
                                              : open(argument.c_str(), O_RDONLY | O_CLOEXEC))
 {
-    check();
-}
-
-InputFile::~InputFile()
-{
-    if (m_descriptor > STDERR_FILENO)
-        close(m_descriptor);
-}
-
-void InputFile::check()
-{
     struct stat info
     {
     };
@@ -49,6 +38,12 @@ void InputFile::check()
         m_error = "is a folder, not a message; name the files in it";
     else if (S_ISREG(info.st_mode))
         m_size = static_cast<std::size_t>(info.st_size);
+}
+
+InputFile::~InputFile()
+{
+    if (m_descriptor > STDERR_FILENO)
+        close(m_descriptor);
 }
 
 // A file of three gigabytes is refused without reading it.

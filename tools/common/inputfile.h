@@ -42,8 +42,6 @@ public:
     std::size_t size() const { return m_size; }
 
 private:
-    void check();
-
     int m_descriptor;
     std::size_t m_size = 0;
     std::string m_error;

@@ -48,22 +48,16 @@ std::string writeAndRename(const QString& name, std::string_view data)
     return file.errorString().toStdString();
 }
 
-// What went wrong; empty if nothing did.
-std::string write(const std::string& path, std::string_view data)
-{
-    const QString name = QFile::decodeName(path.c_str());
-    // Qt has names as Unicode text; another name than the one that was asked for must not be
-    // written.
-    if (QFile::encodeName(name) != path.c_str())
-        return "the name is not in the encoding of the locale";
-    return isDeviceOrPipe(path) ? writeDirectly(name, data) : writeAndRename(name, data);
-}
-
 } // namespace
 
 std::string writeFile(const std::string& path, std::string_view data)
 {
-    const std::string reason = write(path, data);
+    // Qt has names as Unicode text; another name than the one that was asked for must not be
+    // written.
+    const QString name = QFile::decodeName(path.c_str());
+    std::string reason = "the name is not in the encoding of the locale";
+    if (QFile::encodeName(name) == path.c_str())
+        reason = isDeviceOrPipe(path) ? writeDirectly(name, data) : writeAndRename(name, data);
     if (reason.empty())
         return {};
     return "cannot be written: " + reason +

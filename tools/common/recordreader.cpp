@@ -9,8 +9,8 @@
 #include <unistd.h>
 #include <utility>
 
-RecordReader::RecordReader(int descriptor, int separator, std::size_t limit)
-    : m_descriptor(descriptor), m_separator(separator), m_limit(limit)
+RecordReader::RecordReader(int descriptor, int separator)
+    : m_descriptor(descriptor), m_separator(separator)
 {
 }
 
@@ -61,7 +61,7 @@ bool RecordReader::takeRest(Record* record)
 void RecordReader::take(Record* record, std::size_t end)
 {
     *record = Record();
-    if (m_failure.empty() && end - m_begin > m_limit)
+    if (m_failure.empty() && end - m_begin > MaxMessageSize)
         m_failure = tooLargeError();
     record->failure.swap(m_failure);
     const std::size_t behind = std::min(end + 1, m_buffer.size());
@@ -115,7 +115,7 @@ void RecordReader::read(Waiting waiting)
     m_bytesRead += static_cast<std::size_t>(got);
     if (!m_failure.empty())
         drop(std::move(m_failure));
-    else if (m_buffer.size() > m_limit)
+    else if (m_buffer.size() > MaxMessageSize)
         drop(tooLargeError());
     const std::string_view text(block.data(), static_cast<std::size_t>(got));
     try {

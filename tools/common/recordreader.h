@@ -36,9 +36,8 @@ public:
     static constexpr int Whole = -1;
 
     /// Reads from @p descriptor, which the caller owns and which stays open. The byte @p separator
-    /// follows each record; after the last one it may be missing. @p limit is the most bytes that a
-    /// record may have.
-    RecordReader(int descriptor, int separator, std::size_t limit = MaxMessageSize);
+    /// follows each record; after the last one it may be missing.
+    RecordReader(int descriptor, int separator);
 
     /// Takes the next record, without its separator. A record that is too large, that needs more
     /// memory than there is, or that cannot be read comes as a failure; after one that cannot be
@@ -58,7 +57,6 @@ private:
 
     int m_descriptor;
     int m_separator;
-    std::size_t m_limit;
     std::string m_buffer;
     std::size_t m_begin = 0;    // of the current record, in the buffer
     std::size_t m_searched = 0; // there is no separator from m_begin to here

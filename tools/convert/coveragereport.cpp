@@ -77,11 +77,6 @@ void CoverageReport::addDiagnostic(const std::string& text, std::int64_t count, 
         counts->unlisted += count;
 }
 
-std::int64_t CoverageReport::notListed() const
-{
-    return m_notConverted - static_cast<std::int64_t>(m_listed.size());
-}
-
 std::string CoverageReport::line(const std::string& head, const Counts& counts)
 {
     return columns(escaped(head), std::to_string(counts.messages), std::to_string(counts.fields),
@@ -107,8 +102,9 @@ std::string CoverageReport::text() const
     lines += "not converted: " + std::to_string(m_notConverted) + '\n';
     for (const NotConverted& message : m_listed)
         lines += "    " + escaped(message.name) + ": " + escaped(message.reason) + '\n';
-    if (notListed() != 0)
-        lines += "    (" + std::to_string(notListed()) + " others)\n";
+    const std::int64_t others = m_notConverted - static_cast<std::int64_t>(m_listed.size());
+    if (others != 0)
+        lines += "    (" + std::to_string(others) + " others)\n";
     return lines;
 }
 

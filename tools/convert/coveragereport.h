@@ -65,7 +65,6 @@ private:
     static void addDiagnostic(const std::string& text, std::int64_t count, Counts* counts);
     static std::string line(const std::string& head, const Counts& counts);
     static std::string diagnosticLines(const Counts& counts);
-    std::int64_t notListed() const;
 
     std::map<std::string, Counts> m_titles;
     Counts m_total; // without the diagnostics

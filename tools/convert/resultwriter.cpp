@@ -37,11 +37,6 @@ bool ResultWriter::write(const ConversionResult& result)
     return !m_out.hasFailed();
 }
 
-void ResultWriter::flush()
-{
-    m_out.flush();
-}
-
 ExitCode ResultWriter::finish()
 {
     m_progress.erase();

@@ -23,7 +23,7 @@ public:
     bool write(const ConversionResult& result);
 
     /// Hands on what was written so far: the next message may be long in coming.
-    void flush();
+    void flush() { m_out.flush(); }
 
     /// Writes the summary, if there is one. Returns how the command ends, the results considered.
     ExitCode finish();

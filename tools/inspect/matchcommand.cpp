@@ -90,10 +90,9 @@ std::string textResult(const MatchTrace& trace, const QString& text)
 
 QJsonObject jsonResult(const MatchTrace& trace, const QString& text)
 {
-    QJsonObject object;
-    object.insert(QStringLiteral("text"), text);
-    object.insert(QStringLiteral("length"), static_cast<int>(text.size()));
-    object.insert(QStringLiteral("matched"), trace.matched());
+    QJsonObject object{{QStringLiteral("text"), text},
+                       {QStringLiteral("length"), static_cast<int>(text.size())},
+                       {QStringLiteral("matched"), trace.matched()}};
     if (trace.matched() < text.size()) {
         object.insert(QStringLiteral("stopped"), trace.stoppedAt());
         object.insert(QStringLiteral("wanted"), QJsonArray::fromStringList(trace.wanted()));

@@ -98,7 +98,9 @@ void MarkedTree::appendRow(size_t index, std::string* html) const
     *html += field.isKnown ? "<div class=\"row\">" : "<div class=\"row unknown\">";
     if (isBranch(index))
         *html += "<span class=\"toggle\"></span>";
-    appendItemNumber(index, html);
+    if (field.item != 0)
+        *html += "<span class=\"item\" title=\"item of the list\">" + std::to_string(field.item) +
+                 "</span> ";
     *html += "<span class=\"name\">";
     appendHtml(shortened(field.name, MostData), html);
     *html += "</span> ";
@@ -112,13 +114,6 @@ void MarkedTree::appendRow(size_t index, std::string* html) const
     appendFindingNumbers(index, html);
     appendState(index, html);
     *html += "</div>";
-}
-
-void MarkedTree::appendItemNumber(size_t index, std::string* html) const
-{
-    if (m_fields[index].item != 0)
-        *html += "<span class=\"item\" title=\"item of the list\">" +
-                 std::to_string(m_fields[index].item) + "</span> ";
 }
 
 // The numbers of its own findings, and how many there are besides, most in the fields in it.

@@ -25,7 +25,6 @@ private:
     void appendGap(int leftOut, std::string* html) const;
     void openItem(size_t index, std::string* html) const;
     void appendRow(size_t index, std::string* html) const;
-    void appendItemNumber(size_t index, std::string* html) const;
     void appendFindingNumbers(size_t index, std::string* html) const;
     void appendState(size_t index, std::string* html) const;
 

@@ -1,6 +1,5 @@
 #include "messagepage.h"
 
-#include "findinglist.h"
 #include "html.h"
 #include "markedtext.h"
 #include "markedtree.h"
@@ -45,6 +44,57 @@ std::string inlineHtml(const std::string& text)
 std::string chip(const char* kind, const std::string& text)
 {
     return std::string("<span class=\"chip ") + kind + "\">" + text + "</span>\n";
+}
+
+// The text of the message has the rest.
+constexpr int MostFindingText = 200;
+
+// "error, line 3, column 12, reported 2 times"
+std::string whereabouts(const MessageFinding& finding, const TextPlaces& places)
+{
+    std::string text = finding.kind();
+    if (finding.begin >= 0) {
+        const TextPlaces::Place place = places.placeOf(finding.begin);
+        text += ", line " + withCommas(place.line) + ", column " + withCommas(place.column);
+    }
+    if (finding.count > 1)
+        text += ", reported " + withCommas(finding.count) + " times";
+    return text;
+}
+
+void appendWhat(const MessageFinding& finding, std::string* html)
+{
+    *html += "<span class=\"what\">";
+    appendHtml(shortened(finding.text, MostFindingText), html);
+    if (!finding.detail.isEmpty()) {
+        *html += " <span class=\"detail\">";
+        appendHtml(shortened(finding.detail, MostFindingText), html);
+        *html += "</span>";
+    }
+    *html += "</span>";
+}
+
+// A list with an <li id="fN" data-f="N"> for each finding, N being its number from 1, with a link
+// to its place in the text. Fields (none, if there are none) and findings are those that are shown.
+std::string findingList(const Excerpt& excerpt, const TextPlaces& places)
+{
+    const MessageFindings& findings = excerpt.findings();
+    const MessageFields& fields = excerpt.fields();
+    std::string html = "<ol id=\"list\">\n";
+    for (size_t i = 0; i < findings.size(); ++i) {
+        const MessageFinding& finding = findings[i];
+        const std::string number = std::to_string(i + 1);
+        const bool hasPlace = finding.begin >= 0;
+        html += "<li id=\"f" + number + "\" data-f=\"" + number + '"';
+        if (hasPlace && !fields.empty())
+            html += " data-i=\"" + std::to_string(fieldAt(fields, finding.begin)) + '"';
+        html += "><a href=\"#" + (hasPlace ? 'm' + number : std::string("text")) +
+                "\" tabindex=\"" + (i == 0 ? "0" : "-1") + "\"><span class=\"number " +
+                finding.kind() + "\">" + number + "</span> ";
+        appendWhat(finding, &html);
+        html += " <span class=\"where\">" + whereabouts(finding, places) + "</span></a></li>\n";
+    }
+    return html + "</ol>";
 }
 
 } // namespace
@@ -152,7 +202,7 @@ std::string MessagePage::findings() const
         return "<p class=\"none\">Nothing else was reported.</p>";
     if (m_content.findings.empty())
         return "<p class=\"none fine\">Nothing was reported.</p>";
-    std::string html = findingList(m_excerpt.findings(), m_excerpt.fields(), m_places);
+    std::string html = findingList(m_excerpt, m_places);
     const size_t leftOut = m_content.findings.size() - m_excerpt.findings().size();
     if (leftOut > 0)
         html += "\n<p class=\"gap\">" + counted(static_cast<qint64>(leftOut), "finding") +

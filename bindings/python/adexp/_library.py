@@ -7,10 +7,6 @@ from typing import Any, Callable, NoReturn, Optional
 # The number is that of the library's binary interface, which this module is written for.
 _NAME = "libadexp.so.1"
 
-# The values of enum adexp_status that mean more than something to tell the user.
-OK = 0
-NO_MEMORY = 3
-
 DOCUMENT, FIELDS, FINDINGS = 1, 2, 4
 
 

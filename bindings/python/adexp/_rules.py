@@ -4,8 +4,7 @@ import os
 from typing import Iterable, List, Optional, Union
 
 from ._errors import RuleSetError
-from ._library import (DOCUMENT, FIELDS, FINDINGS, NO_MEMORY, OK, Handle, Options, Uncopied,
-                       load)
+from ._library import DOCUMENT, FIELDS, FINDINGS, Handle, Options, Uncopied, load
 from ._result import Finding, Result, Status
 
 BUILT_IN_SETTINGS = ":/adexp/adexp.ini"
@@ -42,10 +41,10 @@ class RuleSet(Uncopied):
         library = self._library = load()
         rules = self._rules = Handle(library.rules_release)
         status = library.rules_load(path, len(path), ctypes.byref(rules.pointer))
-        if status == NO_MEMORY:
+        if status == Status.NO_MEMORY:
             raise MemoryError
         self.findings = Result(library, rules, library.rules_view).findings
-        if status != OK:
+        if status != Status.OK:
             reason = ("is not an ini file" if status == Status.SETTINGS_UNREADABLE
                       else "names rule files that cannot be read")
             raise RuleSetError(f"{os.fsdecode(path)} {reason}",
@@ -82,6 +81,6 @@ class RuleSet(Uncopied):
             (ctypes.c_size_t * count)(*map(len, texts)), count,
             ctypes.byref(Options(ctypes.sizeof(Options), want, max_findings)),
             (ctypes.c_void_p * count)(*[handle.pointer.value for handle in handles]))
-        if status != OK:
+        if status != Status.OK:
             raise MemoryError
         return [Result(library, handle, library.result_view) for handle in handles]
