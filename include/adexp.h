@@ -22,10 +22,10 @@
  * All texts are UTF-8. No exception ever leaves one of these functions.
  *
  * When memory runs out, adexp_rules_load() and adexp_convert() return ADEXP_NO_MEMORY, init_adexp()
- * returns 2 and convert_from_adexp() null; nothing is lost, and the next call works. The parts of
- * Qt that read settings and XML do not survive this, so loading makes sure of the memory they will
- * need before it calls them. If another thread takes the last of it at that very moment, Qt may
- * still end the process; conversions use none of these parts.
+ * returns 2 and convert_from_adexp() null; nothing is lost, and the next call works. The part of
+ * Qt that reads settings does not survive this, so loading makes sure of the memory it will need
+ * before it calls it. If another thread takes the last of it at that very moment, Qt may still end
+ * the process; conversions do not use that part.
  */
 #ifndef ADEXP_H
 #define ADEXP_H

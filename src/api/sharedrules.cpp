@@ -1,6 +1,9 @@
 #include "api/sharedrules.h"
 
-#include "load/qtmemory.h"
+#include <QFileInfo>
+
+#include <cstddef>
+#include <new>
 
 void ReleaseRules::operator()(adexp_rules* rules) const
 {
@@ -15,8 +18,17 @@ RulesShare shareOf(adexp_rules* rules)
     return RulesShare(rules);
 }
 
+// Most of Qt throws std::bad_alloc when memory runs out, and nothing is lost. But the constructors
+// of QObject and QSettings end the process, or leak. So the memory that they need is allocated and
+// released at once. If there is not enough, the failure happens here, where it does no harm.
 RulesShare newRules(const QString& path)
 {
-    QtMemory::requireForSettings(path);
+    // What the first call needs, and buffers whose size does not depend on the file.
+    constexpr std::size_t Fixed = std::size_t(128) << 10;
+    // More than Qt 5.15 and Qt 6.4 need at the peak, for files of nothing but short sections.
+    constexpr std::size_t PerByte = 128;
+    // Never optimised away, unlike new and delete.
+    ::operator delete(
+        ::operator new(Fixed + PerByte * static_cast<std::size_t>(QFileInfo(path).size())));
     return RulesShare(new adexp_rules);
 }

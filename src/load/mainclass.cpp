@@ -2,20 +2,16 @@
 
 #include "grammar/definitionnesting.h"
 #include "grammar/termexpression.h"
-#include "load/qtmemory.h"
-#include "load/xmllimits.h"
+#include "load/rulefilereader.h"
 #include "message/adexpdoc.h"
 #include "message/msgrule.h"
 #include "report/reporter.h"
 
-#include <QDomDocument>
-#include <QFile>
 #include <QSettings>
 
 #include <algorithm>
 #include <memory>
 #include <utility>
-#include <vector>
 
 namespace {
 
@@ -46,78 +42,6 @@ const char* const SetContentSignature =
 const char* const ReadTermsSignature =
     "bool MainClass::readTermsXMLFile(const QString&, const QString&, bool)";
 const char* const ReadMsgRulesSignature = "bool MainClass::readMsgRulesXMLFile(const QString&)";
-
-bool isDisabled(const QDomElement& record)
-{
-    return record.attribute(QStringLiteral("active")) == QLatin1String("false");
-}
-
-// The same text as QDomElement::text(), which leaks when memory runs out. The recursion is bounded:
-// no file with elements nested deeper than XmlLimits::MaxDepth is read.
-QString textOf(const QDomNode& element)
-{
-    QString text;
-    for (QDomNode node = element.firstChild(); !node.isNull(); node = node.nextSibling()) {
-        if (node.isText()) // a CDATA section is a text, too
-            text += node.nodeValue();
-        else if (node.isElement())
-            text += textOf(node);
-    }
-    return text;
-}
-
-// A copy that shares no memory with the document.
-QString ownCopy(const QString& text)
-{
-    return QString(text.constData(), text.size());
-}
-
-// Takes the records that are not disabled out of the document of a rule file, and clears the
-// document. Terms are made only afterwards: otherwise they would lie between the nodes of the
-// document, the heap would be full of holes once it is cleared, and loading would be slower.
-std::vector<ConfigInfo> takeRecords(QDomDocument* document, const QString& file,
-                                    const QString& nameAttribute, const QString& textElement)
-{
-    std::vector<ConfigInfo> records;
-    for (QDomElement element = document->documentElement().firstChildElement(); !element.isNull();
-         element = element.nextSiblingElement()) {
-        if (isDisabled(element))
-            continue;
-        ConfigInfo record;
-        record.setXMLFile(file);
-        record.setXMLData(&element);
-        record.tagName = ownCopy(record.tagName);
-        record.recordName = ownCopy(element.attribute(nameAttribute).toUpper());
-        record.ruleText = ownCopy(textOf(element.firstChildElement(textElement)).toUpper());
-        records.push_back(std::move(record));
-    }
-    document->clear();
-    return records;
-}
-
-// The kind and the text of the finding about a limit.
-std::pair<adexp_code, QString> limitFinding(XmlLimits::Limit limit)
-{
-    switch (limit) {
-    case XmlLimits::Limit::Depth:
-        return {
-            ADEXP_CODE_XML_TOO_DEEP,
-            MainClass::tr("elements are nested deeper than %1 levels").arg(XmlLimits::MaxDepth)};
-    case XmlLimits::Limit::Attributes:
-        return {
-            ADEXP_CODE_XML_TOO_MANY_ATTRIBUTES,
-            MainClass::tr("an element has more than %1 attributes").arg(XmlLimits::MaxAttributes)};
-    case XmlLimits::Limit::TypeSize:
-        return {
-            ADEXP_CODE_XML_TYPE_TOO_LONG,
-            MainClass::tr("the document type is longer than %1 bytes").arg(XmlLimits::MaxTypeSize)};
-    default:
-        return {ADEXP_CODE_XML_GROWS_TOO_MUCH,
-                MainClass::tr("entities, default attributes and namespaces make the content more "
-                              "than %1 times as long as the file")
-                    .arg(XmlLimits::MaxGrowth)};
-    }
-}
 
 template <typename Item>
 void appendTo(NamedList<Item>* list, std::unique_ptr<Item> item)
@@ -172,64 +96,57 @@ bool MainClass::readRuleFiles(const QSettings& settings, Reporter* reporter)
     return readMsgRulesXMLFile(path("msgRulesFile"), reporter);
 }
 
-bool MainClass::ruleDomDocumentsetContent(const QString& path, QDomDocument* document,
+bool MainClass::ruleDomDocumentsetContent(const QString& path, RuleFileReader* reader,
                                           Reporter* reporter)
 {
-    ConfigInfo place = placeOf(path);
-    const auto fail = [&place, reporter](adexp_code code, const QString& text,
-                                         const QString& head = QString()) {
-        report(reporter, SetContentSignature, place, code, text, head);
+    if (reader->read(path))
+        return true;
+    const auto& [code, text, place] = reader->fault;
+    ConfigInfo record = placeOf(path);
+    record.setXMLData(place.line, place.column, QString());
+    QString head;
+    // Nothing stands between column and error text; pinned by
+    // `TermFiles.MalformedFileIsReportedTwiceAndFails`.
+    if (place.line > 0)
+        head = tr("Parse error at line ") + QString::number(place.line) + tr(", column ") +
+               QString::number(place.column);
+    report(reporter, SetContentSignature, record, code, text, head);
+    return false;
+}
+
+bool MainClass::readRecords(const QString& path, const QString& tag,
+                            const std::function<void(const RuleRecord&)>& use, Reporter* reporter)
+{
+    RuleFileReader reader(tag, keptRecords != nullptr);
+    if (!ruleDomDocumentsetContent(path, &reader, reporter))
         return false;
-    };
-    if (path.isEmpty())
-        return fail(ADEXP_CODE_MISSING_PATH, tr("file path is empty"));
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return fail(ADEXP_CODE_UNREADABLE_FILE,
-                    tr("can not open file ") + path + tr(" for read: ") + file.errorString());
-    const auto failToParse = [&place, &fail](qint64 line, qint64 column, adexp_code code,
-                                             const QString& text) {
-        place.lineNumber = static_cast<int>(line);
-        place.columnNumber = static_cast<int>(column);
-        // Nothing stands between column and error text; pinned by
-        // `TermFiles.MalformedFileIsReportedTwiceAndFails`.
-        return fail(code, text,
-                    tr("Parse error at line ") + QString::number(line) + tr(", column ") +
-                        QString::number(column));
-    };
-    const QByteArray content = file.readAll();
-    if (const auto excess = XmlLimits::firstExcess(content)) {
-        const auto [code, text] = limitFinding(excess->limit);
-        return failToParse(excess->line, excess->column, code, text);
+    for (RuleRecord& record : reader.records) {
+        if (record.isActive)
+            use(record);
+        if (keptRecords)
+            keptRecords->push_back(std::move(record));
     }
-    QtMemory::requireForDom(content);
-    QString error;
-    int line = 0;
-    int column = 0;
-    return document->setContent(content, true, &error, &line, &column) ||
-           failToParse(line, column, ADEXP_CODE_MALFORMED_XML, error);
+    return true;
 }
 
 bool MainClass::readTermsXMLFile(const QString& path, const QString& recordTag, bool containsField,
                                  Reporter* reporter)
 {
-    QDomDocument document;
-    if (!ruleDomDocumentsetContent(path, &document, reporter)) {
-        report(reporter, ReadTermsSignature, placeOf(path), ADEXP_CODE_FILE_NOT_LOADED,
-               tr("can not read ") + recordTag + tr(" records"));
-        return false;
-    }
     ConfigInfo last = placeOf(path); // the last record with the right tag
-    for (const ConfigInfo& record :
-         takeRecords(&document, path, QStringLiteral("name"), QStringLiteral("term")))
-        readTermRecord(record, recordTag, containsField, &last, reporter);
-    return true;
+    const auto readRecord = [&](const RuleRecord& record) {
+        readTermRecord(record, containsField, &last, reporter);
+    };
+    if (readRecords(path, recordTag, readRecord, reporter))
+        return true;
+    report(reporter, ReadTermsSignature, placeOf(path), ADEXP_CODE_FILE_NOT_LOADED,
+           tr("can not read ") + recordTag + tr(" records"));
+    return false;
 }
 
-void MainClass::readTermRecord(const ConfigInfo& record, const QString& recordTag,
-                               bool containsField, ConfigInfo* last, Reporter* reporter)
+void MainClass::readTermRecord(const RuleRecord& record, bool containsField, ConfigInfo* last,
+                               Reporter* reporter)
 {
-    if (record.tagName != recordTag) {
+    if (record.isForeign) {
         // The head names the last record with the right tag, unlike in the message rules; pinned by
         // `TermFiles.WrongTagIsReportedUnderTheRecordBeforeIt`.
         report(reporter, ReadTermsSignature, record, ADEXP_CODE_WRONG_TAG,
@@ -263,23 +180,18 @@ TermStd* MainClass::termsList_search(const TermList* list, const QString& name)
 
 bool MainClass::readMsgRulesXMLFile(const QString& path, Reporter* reporter)
 {
-    QDomDocument document;
-    if (!ruleDomDocumentsetContent(path, &document, reporter))
-        return false;
-    for (const ConfigInfo& record :
-         takeRecords(&document, path, QStringLiteral("title"), QStringLiteral("fields")))
-        readMsgRuleRecord(record, reporter);
-    return true;
+    const auto readRecord = [&](const RuleRecord& record) { readMsgRuleRecord(record, reporter); };
+    return readRecords(path, QStringLiteral("msgRule"), readRecord, reporter);
 }
 
-void MainClass::readMsgRuleRecord(const ConfigInfo& record, Reporter* reporter)
+void MainClass::readMsgRuleRecord(const RuleRecord& record, Reporter* reporter)
 {
     // A record with a wrong tag is reported at its own place, unlike in the term files; pinned by
     // `MsgRuleFile.MisnamedRecordIsReportedAtItsOwnPlaceWithItsOwnTitle`.
     const auto reportRule = [&record, reporter](adexp_code code, const QString& text) {
         report(reporter, ReadMsgRulesSignature, record, code, text, record.xmlErrorHead());
     };
-    if (record.tagName != QLatin1String("msgRule")) {
+    if (record.isForeign) {
         reportRule(ADEXP_CODE_WRONG_TAG, tr("bad tag name ") + record.tagName);
         return;
     }

@@ -7,10 +7,14 @@
 #include <QObject>
 #include <QString>
 
+#include <functional>
+#include <vector>
+
 class ConfigInfo;
 class Reporter;
-class QDomDocument;
+class RuleFileReader;
 class QSettings;
+struct RuleRecord;
 
 /// The converter: the loaded rule set, and the conversion of messages against it.
 ///
@@ -32,8 +36,8 @@ public:
     /// cannot be read; the files before it stay loaded.
     bool readSettingsRules(QSettings* settings, Reporter* reporter);
 
-    /// Opens and parses the XML file @p path into @p document. False after a report.
-    static bool ruleDomDocumentsetContent(const QString& path, QDomDocument* document,
+    /// Reads the XML file @p path with @p reader. False after a report.
+    static bool ruleDomDocumentsetContent(const QString& path, RuleFileReader* reader,
                                           Reporter* reporter);
 
     /// Loads the term definitions of the file @p path; its records have the tag @p recordTag, and
@@ -62,10 +66,16 @@ public:
     TermList termsList; ///< the named terms of the three term files, in load order
     RuleList msgRules;  ///< the message rules in file order
 
+    /// Receives all records of the files that are read, with all their parts; null if nobody wants
+    /// them. Not owned.
+    std::vector<RuleRecord>* keptRecords = nullptr;
+
 private:
-    void readTermRecord(const ConfigInfo& record, const QString& recordTag, bool containsField,
-                        ConfigInfo* last, Reporter* reporter);
-    void readMsgRuleRecord(const ConfigInfo& record, Reporter* reporter);
+    bool readRecords(const QString& path, const QString& tag,
+                     const std::function<void(const RuleRecord&)>& use, Reporter* reporter);
+    void readTermRecord(const RuleRecord& record, bool containsField, ConfigInfo* last,
+                        Reporter* reporter);
+    void readMsgRuleRecord(const RuleRecord& record, Reporter* reporter);
     bool readRuleFiles(const QSettings& settings, Reporter* reporter);
 };
 

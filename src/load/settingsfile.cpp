@@ -77,6 +77,9 @@ void reportStatus(QSettings::Status status, const QString& path, Reporter* repor
 adexp_status SettingsFile::load(const QString& path, MainClass* rules, Reporter* reporter)
 {
     QSettings settings(path, QSettings::IniFormat);
+    // The destructor of QSettings needs memory and ends the process if there is none. This is there
+    // for it, released before.
+    const QByteArray spare(64 << 10, Qt::Uninitialized);
     const QSettings::Status status = statusOf(settings, path);
     if (status != QSettings::NoError) {
         reportStatus(status, path, reporter);

@@ -1,6 +1,5 @@
 #include "report/configinfo.h"
 
-#include <QDomElement>
 #include <QObject>
 
 void ConfigInfo::setXMLFile(const QString& file)
@@ -8,11 +7,11 @@ void ConfigInfo::setXMLFile(const QString& file)
     xmlFile = file;
 }
 
-void ConfigInfo::setXMLData(const QDomElement* element)
+void ConfigInfo::setXMLData(int line, int column, const QString& tag)
 {
-    lineNumber = element->lineNumber();
-    columnNumber = element->columnNumber();
-    tagName = element->tagName();
+    lineNumber = line;
+    columnNumber = column;
+    tagName = tag;
 }
 
 void ConfigInfo::copyParam(const ConfigInfo* other)

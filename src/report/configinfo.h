@@ -3,8 +3,6 @@
 
 #include <QString>
 
-class QDomElement;
-
 /// Where an item of the rule set was defined, and its text.
 ///
 /// The loaders fill one per XML record; every term built from the record keeps a copy, so that each
@@ -14,8 +12,8 @@ class ConfigInfo
 public:
     QString xmlFile;      ///< path of the XML file as the settings file gives it
     QString tagName;      ///< tag of the record's element
-    int lineNumber = 0;   ///< line of the record's element, from 1; 0 before a record was read
-    int columnNumber = 0; ///< column of the record's element, as QDomNode counts it
+    int lineNumber = 0;   ///< line of the end of its start tag, from 1; 0: no record
+    int columnNumber = 0; ///< column of the end of its start tag, from 1
     QString recordName;   ///< name (of a message rule: title) of the record, in upper case
     QString ruleText;     ///< expression text of the record or of the sub-term, in upper case
     int textBegin = 0; ///< position of ruleText in the simplified expression of the record, from 0
@@ -23,9 +21,8 @@ public:
     /// Sets the file of the record.
     void setXMLFile(const QString& file);
 
-    /// Takes line, column and tag from @p element (not null, not kept). File, name and rule text
-    /// stay as they are.
-    void setXMLData(const QDomElement* element);
+    /// Sets line, column and tag. File, name and rule text stay as they are.
+    void setXMLData(int line, int column, const QString& tag);
 
     /// Copies all values from @p other (not null).
     void copyParam(const ConfigInfo* other);

@@ -121,6 +121,7 @@ class Check(CommandTest):
         return [self.check_simple(content) for content in (
             "<t>" * 300 + "</t>" * 300,
             "<t%s/>" % attributes,
+            "<?xml version='1.0' encoding='none'?><t/>",
             "<!DOCTYPE t [%s]><t/>" % (entity * 3),
             "<!DOCTYPE t [%s]><t>%s</t>" % (entity, "&e;" * 2000))]
 

@@ -12,8 +12,8 @@
 
 #include "grammar/termexpression.h"
 #include "load/mainclass.h"
+#include "load/rulerecord.h"
 
-#include <QDomDocument>
 #include <QFile>
 #include <QRegularExpression>
 #include <QSettings>
@@ -330,15 +330,6 @@ class FileBlock : public testing::TestWithParam<Block>
 {
 };
 
-void expectExamples(const QDomElement& record, TermStd* term, const QString& tag, bool isMatched)
-{
-    for (QDomElement example = record.firstChildElement(tag); !example.isNull();
-         example = example.nextSiblingElement(tag)) {
-        const QString data = example.text().trimmed();
-        EXPECT_EQ(term->parse(data.constData()) == data.size(), isMatched) << data.toStdString();
-    }
-}
-
 // A file of simple terms: it loads without a report and its examples hold.
 TEST_P(FileBlock, LoadsAndKeepsToItsExamples)
 {
@@ -346,24 +337,25 @@ TEST_P(FileBlock, LoadsAndKeepsToItsExamples)
     const QString path =
         folder.write(QStringLiteral("simple.xml"), GetParam().lines.join(u'\n').toUtf8());
     MainClass converter(nullptr);
+    std::vector<RuleRecord> records;
+    converter.keptRecords = &records;
     const DiagnosticCapture diagnostics;
     ASSERT_TRUE(converter.readTermsXMLFile(path, QStringLiteral("simpleTerm"), false, &toOutput));
     converter.termsList_checkConfig(&toOutput);
     EXPECT_EQ(joined(diagnostics.debugLines()), "");
 
-    QDomDocument document;
-    ASSERT_TRUE(converter.ruleDomDocumentsetContent(path, &document, &toOutput));
-    int records = 0;
-    for (QDomElement record = document.documentElement().firstChildElement(); !record.isNull();
-         record = record.nextSiblingElement()) {
-        TermStd* const term = MainClass::termsList_search(
-            &converter.termsList, record.attribute(QStringLiteral("name")).toUpper());
+    EXPECT_EQ(static_cast<std::size_t>(converter.termsList.size()), records.size());
+    for (const RuleRecord& record : records) {
+        TermStd* const term = MainClass::termsList_search(&converter.termsList, record.recordName);
         ASSERT_NE(term, nullptr);
-        expectExamples(record, term, QStringLiteral("example"), true);
-        expectExamples(record, term, QStringLiteral("counterexample"), false);
-        ++records;
+        for (const RecordPart& part : record.parts) {
+            const QString data = part.text.trimmed();
+            const bool isMatched = term->parse(data.constData()) == data.size();
+            if (part.tag.endsWith(QLatin1String("example"))) {
+                EXPECT_EQ(isMatched, part.tag == QLatin1String("example")) << data.toStdString();
+            }
+        }
     }
-    EXPECT_EQ(converter.termsList.size(), records);
 }
 
 // That no block is of a kind that nobody tests is tested by commands_test.py.

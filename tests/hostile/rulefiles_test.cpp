@@ -82,7 +82,6 @@ TEST(HostileRuleFiles, AnEntityUsedOftenIsRefused)
                                       "</term></simpleTerm></t>"));
 }
 
-#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0) // the readers before leave default attributes out
 TEST(HostileRuleFiles, DefaultAttributesOfManyElementsAreRefused)
 {
     const RuleFolder folder;
@@ -92,7 +91,6 @@ TEST(HostileRuleFiles, DefaultAttributesOfManyElementsAreRefused)
     expectParseError(load(folder, "<!DOCTYPE t [" + declaration + ">]>\n<t>" +
                                       QByteArray("<a/>").repeated(1'000'000) + "</t>"));
 }
-#endif
 
 TEST(HostileRuleFiles, AMillionAttributesOfOneElementAreRefused)
 {
@@ -152,23 +150,23 @@ struct FileShape
 };
 
 constexpr FileShape Shapes[] = {
-    {"attribute", "<t a='", "0123456789", "'/>", 4.1},
-    {"attributes_like_tags", "<t>", "<e a='>'/>", "</t>", 1.5},
-    {"elements", "<t>", "<e/>", "</t>", 1.3},
-    {"comments", "<t>", "<!--<a>-->", "</t>", 6.4},
-    {"comments_never_closed", "<t>", "<!-- ", "", 5.8},
-    {"instructions_never_closed", "<t>", "<?a ", "", 5.3},
-    {"quotes", "<t>", "<e '\"'/>", "</t>", 9.5},
-    {"document_types", "<!DOCTYPE t [<!ENTITY e '>'>]><t>", "<!DOCTYPE t []>", "</t>", 6.4},
-    {"document_type_never_closed", "<!DOCTYPE t [", "<?p?>", "", 7.8},
-    {"less_thans", "<t>", "<", "</t>", 6.9},
-    {"declarations", "<t>", "<!", "</t>", 4.5},
-    {"sections", "<t>", "<![CDATA[<a>]]>", "</t>", 5.8},
-    {"records_without_name", "<t>", "<simpleTerm/>", "</t>", 3.2},
+    {"attribute", "<t a='", "0123456789", "'/>", 0.1},
+    {"attributes_like_tags", "<t>", "<e a='>'/>", "</t>", 2.3},
+    {"elements", "<t>", "<e/>", "</t>", 1.9},
+    {"comments", "<t>", "<!--<a>-->", "</t>", 2.0},
+    {"comments_never_closed", "<t>", "<!-- ", "", 0.1},
+    {"instructions_never_closed", "<t>", "<?a ", "", 0.1},
+    {"quotes", "<t>", "<e '\"'/>", "</t>", 0.1},
+    {"document_types", "<!DOCTYPE t [<!ENTITY e '>'>]><t>", "<!DOCTYPE t []>", "</t>", 0.1},
+    {"document_type_never_closed", "<!DOCTYPE t [", "<?p?>", "", 0.58},
+    {"less_thans", "<t>", "<", "</t>", 0.1},
+    {"declarations", "<t>", "<!", "</t>", 0.1},
+    {"sections", "<t>", "<![CDATA[<a>]]>", "</t>", 2.6},
+    {"records_without_name", "<t>", "<simpleTerm/>", "</t>", 4.9},
     {"records_of_one_name", "<t>", "<simpleTerm name='A'><term>DIGIT</term></simpleTerm>", "</t>",
-     2.0},
-    {"records_of_another_kind", "<t>", "<SubField name='A'/>", "</t>", 1.7},
-    {"disabled_records", "<t>", "<simpleTerm active='false'/>", "</t>", 7.4},
+     2.7},
+    {"records_of_another_kind", "<t>", "<SubField name='A'/>", "</t>", 3.0},
+    {"disabled_records", "<t>", "<simpleTerm active='false'/>", "</t>", 17},
 };
 
 class HostileRuleFileShapes : public testing::TestWithParam<FileShape>

@@ -8,9 +8,9 @@
 
 #include "examplechecker.h"
 #include "load/mainclass.h"
+#include "load/rulefilereader.h"
 #include "message/msgrule.h"
 #include "rulechecker.h"
-#include "rulefile.h"
 
 #include <QDomDocument>
 #include <QFile>
@@ -47,7 +47,8 @@ struct Record : RuleRecord
     // The form that editors can jump to.
     std::string placeText() const
     {
-        return file.toStdString() + ':' + std::to_string(place.line) + ": " + name.toStdString();
+        return xmlFile.toStdString() + ':' + std::to_string(place.line) + ": " +
+               recordName.toStdString();
     }
 
     // The texts of the parts with that tag.
@@ -56,7 +57,7 @@ struct Record : RuleRecord
         QStringList result;
         for (const RecordPart& part : parts) {
             if (part.tag == QLatin1String(partTag))
-                result.append(part.content.trimmed().text);
+                result.append(part.text.trimmed());
         }
         return result;
     }
@@ -83,7 +84,7 @@ struct RuleFile
 
 std::string testNameOf(const Record& record, std::set<std::string>* taken)
 {
-    std::string name = (record.tag + u'_' + record.name).toStdString();
+    std::string name = (record.tagName + u'_' + record.recordName).toStdString();
     std::replace_if(
         name.begin(), name.end(),
         [](unsigned char c) { return c >= 128 || (std::isalnum(c) == 0 && c != '_'); }, '_');
@@ -119,12 +120,12 @@ RuleFile readFile(const QString& path, const QString& tag, std::set<std::string>
     RuleFile result;
     result.name = QStringLiteral("rules/") + path.section(u'/', -1);
     result.groups = readGroups(path);
-    std::vector<RuleRecord> records;
-    readRuleFile(path, tag, &records);
-    for (RuleRecord& ruleRecord : records) {
+    RuleFileReader reader(tag, true);
+    reader.read(path);
+    for (RuleRecord& ruleRecord : reader.records) {
         Record record;
         static_cast<RuleRecord&>(record) = std::move(ruleRecord);
-        record.file = result.name;
+        record.setXMLFile(result.name);
         record.testName = testNameOf(record, takenTestNames);
         result.records.push_back(std::move(record));
     }
@@ -194,7 +195,7 @@ class RecordTest : public testing::TestWithParam<Record>
 protected:
     void SetUp() override
     {
-        const QString name = GetParam().name.toUpper();
+        const QString& name = GetParam().recordName;
         MainClass& converter = ruleSet().converter;
         const bool isLoaded = GetParam().isMessageRule()
                                   ? converter.msgRules.search(name) != nullptr
@@ -231,7 +232,7 @@ TEST_P(RecordLayout, BeginsWithADescriptionOfOneLine)
 {
     const RecordPart first = GetParam().parts.at(0);
     ASSERT_EQ(first.tag, QStringLiteral("description"));
-    const QString description = first.content.text.trimmed();
+    const QString description = first.text.trimmed();
     EXPECT_FALSE(description.isEmpty());
     EXPECT_FALSE(description.contains(u'\n')) << quoted(description);
 }
@@ -239,7 +240,9 @@ TEST_P(RecordLayout, BeginsWithADescriptionOfOneLine)
 TEST_P(RecordLayout, HasOneDefinitionThenExamplesThenCounterexamples)
 {
     const Record& record = GetParam();
-    QStringList expected{QStringLiteral("description"), record.expressionTag()};
+    QStringList expected{QStringLiteral("description"), record.isMessageRule()
+                                                            ? QStringLiteral("fields")
+                                                            : QStringLiteral("term")};
     for (int i = 0; i < record.texts("example").size(); ++i)
         expected.append(QStringLiteral("example"));
     for (int i = 0; i < record.texts("counterexample").size(); ++i)
@@ -254,8 +257,7 @@ TEST_P(RecordLayout, IsWrittenInUpperCase)
 {
     const Record& record = GetParam();
     ASSERT_NE(record.expression(), nullptr);
-    EXPECT_EQ(record.name, record.name.toUpper());
-    EXPECT_EQ(record.expression()->text, record.expression()->text.toUpper());
+    EXPECT_EQ(record.expression()->text, record.ruleText);
 }
 
 TEST_P(RecordLayout, HasNoEmptyExampleUnlessItNeverHasData)
@@ -316,6 +318,16 @@ TEST(RuleSetLoading, KeepsEveryRecord)
     }
     EXPECT_EQ(static_cast<std::size_t>(ruleSet().converter.termsList.size()), definitions);
     EXPECT_EQ(static_cast<std::size_t>(ruleSet().converter.msgRules.size()), messageRules);
+}
+
+TEST(RuleSetNames, AreInUpperCase)
+{
+    for (const RuleFile& file : ruleFiles()) {
+        for (const Group& group : file.groups) {
+            for (const QString& name : group.names)
+                EXPECT_EQ(name, name.toUpper());
+        }
+    }
 }
 
 TEST(RuleSetOrder, IsAlphabeticalBelowEachHeading)

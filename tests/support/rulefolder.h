@@ -3,18 +3,17 @@
 
 #include <QByteArray>
 #include <QDir>
-#include <QDomDocument>
 #include <QFile>
 #include <QString>
 #include <QTemporaryDir>
+#include <QXmlStreamReader>
 
 #include <gtest/gtest.h>
 
 /**
  * A temporary folder with rule files that a test writes. It goes away with the object.
  *
- * It also knows what the reports about a file must say about places in it, and about what is wrong
- * with it as XML: both are the words of the Qt in use.
+ * It also knows what the reports about a file must say about places in it.
  */
 class RuleFolder
 {
@@ -41,17 +40,18 @@ public:
     /// The short head of the child element number @p index (from 0) of the root of @p filePath.
     static QString place(const QString& filePath, int index)
     {
-        QDomDocument document;
         QFile file(filePath);
         EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-        EXPECT_TRUE(document.setContent(&file, true));
-        QDomElement element = document.documentElement().firstChildElement();
-        for (int i = 0; i < index; ++i)
-            element = element.nextSiblingElement();
-        EXPECT_FALSE(element.isNull());
+        QXmlStreamReader reader(file.readAll());
+        EXPECT_TRUE(reader.readNextStartElement()); // the root
+        for (int i = 0; i < index; ++i) {
+            EXPECT_TRUE(reader.readNextStartElement());
+            reader.skipCurrentElement();
+        }
+        EXPECT_TRUE(reader.readNextStartElement());
         return QStringLiteral("file ") + filePath + QStringLiteral(" line ") +
-               QString::number(element.lineNumber()) + QStringLiteral(", column ") +
-               QString::number(element.columnNumber());
+               QString::number(reader.lineNumber()) + QStringLiteral(", column ") +
+               QString::number(reader.columnNumber());
     }
 
     /// The full head of that element, whose record has the name @p recordName (not empty).
@@ -59,19 +59,6 @@ public:
     {
         return QStringLiteral("element (") + recordName + QStringLiteral(") ") +
                place(filePath, index) + QStringLiteral(": ");
-    }
-
-    /// What is reported about @p content if it is not well-formed; empty if it is.
-    static QString parseErrorText(const QByteArray& content)
-    {
-        QDomDocument document;
-        QString error;
-        int line = 0;
-        int column = 0;
-        if (document.setContent(content, true, &error, &line, &column))
-            return QString();
-        return QStringLiteral("Parse error at line ") + QString::number(line) +
-               QStringLiteral(", column ") + QString::number(column) + error;
     }
 
     /// What is reported about the file @p filePath, which cannot be opened.

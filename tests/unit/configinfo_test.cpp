@@ -7,8 +7,6 @@
 #include "grammar/termexpression.h"
 #include "report/configinfo.h"
 
-#include <QDomDocument>
-
 #include <gtest/gtest.h>
 
 namespace {
@@ -71,16 +69,13 @@ TEST(ConfigInfo, SetXmlFileKeepsThePathAsGiven)
 
 TEST(ConfigInfo, SetXmlDataTakesLineColumnAndTagOnly)
 {
-    QDomDocument document;
-    ASSERT_TRUE(document.setContent(QByteArray("<terms>\n\n  <simpleTerm name='FL'/></terms>")));
-    const QDomElement element = document.documentElement().firstChildElement();
     ConfigInfo item = itemAt(QStringLiteral("simple.xml"), 1, 2, QStringLiteral("BEFORE"));
     item.ruleText = QStringLiteral("DIGIT");
 
-    item.setXMLData(&element);
+    item.setXMLData(3, 24, QStringLiteral("simpleTerm"));
 
     EXPECT_EQ(item.lineNumber, 3);
-    EXPECT_EQ(item.columnNumber, element.columnNumber());
+    EXPECT_EQ(item.columnNumber, 24);
     EXPECT_EQ(item.tagName.toStdString(), "simpleTerm");
     EXPECT_EQ(item.xmlFile.toStdString(), "simple.xml");
     EXPECT_EQ(item.recordName.toStdString(), "BEFORE");

@@ -2,11 +2,11 @@
 
 #include "definitions.h"
 #include "load/mainclass.h"
+#include "load/rulerecord.h"
 #include "message/adexpdoc.h"
 #include "message/msgrule.h"
 #include "printedreports.h"
 #include "report/linereporter.h"
-#include "rulefile.h"
 
 #include <QStringList>
 
@@ -58,7 +58,7 @@ ExampleChecker::ExampleChecker(MainClass* rules) : m_rules(rules) {}
 
 TermStd* ExampleChecker::definitionOf(const RuleRecord& record) const
 {
-    return MainClass::termsList_search(&m_rules->termsList, record.name.toUpper());
+    return MainClass::termsList_search(&m_rules->termsList, record.recordName);
 }
 
 QString ExampleChecker::whyRefused(const RuleRecord& record, const QString& text) const
@@ -86,7 +86,7 @@ QString ExampleChecker::dataRefused(const RuleRecord& record, TermStd* term,
         return text;
     if (!record.isField())
         return {};
-    const QString inMessage = stretchRefused(record, u'-' + record.name.toUpper() + u' ' + data);
+    const QString inMessage = stretchRefused(record, u'-' + record.recordName + u' ' + data);
     return inMessage.isEmpty() ? QString() : QLatin1String("in a message ") + inMessage;
 }
 
@@ -95,7 +95,7 @@ QString ExampleChecker::stretchRefused(const RuleRecord& record, const QString& 
 {
     ConfigInfo config;
     config.recordName = QStringLiteral("EXAMPLEMESSAGE");
-    config.ruleText = u'[' + record.name.toUpper() + u']';
+    config.ruleText = u'[' + record.recordName + u']';
     PrintedReports reports;
     MsgRule rule(&config, m_rules, &reports);
     rule.check_config(&m_rules->termsList, &reports);
@@ -110,7 +110,7 @@ QString ExampleChecker::messageRefused(const RuleRecord& record, const QString& 
     QString reports = reportsOf(message, m_rules->msgRules, &title);
     if (title.isNull())
         return QStringLiteral("has no title, or one without a rule");
-    if (title != record.name.toUpper())
+    if (title != record.recordName)
         return QLatin1String("is a message of the title ") + title;
     return reports;
 }

@@ -2,6 +2,7 @@
 
 #include "definitions.h"
 #include "examplechecker.h"
+#include "expressionplaces.h"
 #include "message/msgrule.h"
 #include "nearestname.h"
 #include "report/reporter.h"
@@ -9,6 +10,7 @@
 #include "termwarnings.h"
 
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QSet>
 #include <QSettings>
 
@@ -28,25 +30,10 @@ public:
     std::vector<Finding> all;
 };
 
-QString placeKey(const QString& file, int line, int column)
+QString placeKey(const ConfigInfo& record)
 {
-    return file + u':' + QString::number(line) + u':' + QString::number(column);
-}
-
-// The words of an expression that was not compiled. Some of them may not be names.
-QStringList wordsOf(const QString& expression)
-{
-    QStringList words;
-    QString word;
-    for (const QChar c : expression + u' ') {
-        if (!c.isSpace() && !QStringView(u"|!+'()[]{}").contains(c)) {
-            word += c;
-        } else if (!word.isEmpty()) {
-            words.append(word);
-            word.clear();
-        }
-    }
-    return words;
+    return record.xmlFile + u':' + QString::number(record.lineNumber) + u':' +
+           QString::number(record.columnNumber);
 }
 
 bool isMissing(const QString& path)
@@ -54,11 +41,13 @@ bool isMissing(const QString& path)
     return !path.isEmpty() && QFileInfo(path).isRelative() && !QFileInfo::exists(path);
 }
 
-// Everything that may be a name in the expression of the record. The record may be null.
+// The words of an expression that was perhaps not compiled: some may not be names. The record may
+// be null.
 QStringList namesIn(const RuleRecord* record)
 {
-    const SourceText* const expression = record ? record->expression() : nullptr;
-    return expression ? wordsOf(expression->text.toUpper()) : QStringList();
+    static const QRegularExpression others(QStringLiteral("[\\s|!+'()\\[\\]{}]+"),
+                                           QRegularExpression::UseUnicodePropertiesOption);
+    return record ? record->ruleText.split(others, Qt::SkipEmptyParts) : QStringList();
 }
 
 } // namespace
@@ -66,10 +55,11 @@ QStringList namesIn(const RuleRecord* record)
 RuleChecker::RuleChecker(QSettings* settings)
     : m_rules(nullptr), m_settingsFile(settings->fileName())
 {
+    readSettings(*settings);
     FindingList found;
+    m_rules.keptRecords = &m_records;
     m_isLoaded = m_rules.readSettingsRules(settings, &found);
-    settings->endGroup(); // which loading has begun
-    readRecords(*settings);
+    indexRecords();
     keepCauses(found.all);
     for (const Finding& warning : TermWarnings(&m_rules).find())
         keep(warning);
@@ -79,46 +69,44 @@ RuleChecker::RuleChecker(QSettings* settings)
     sortByPlace();
 }
 
-void RuleChecker::readRecords(const QSettings& settings)
+void RuleChecker::readSettings(const QSettings& settings)
 {
     for (const RuleFile& file : RuleFiles) {
         const QString path = pathOf(file, settings);
-        if (path.isEmpty())
+        if (path.isEmpty() && m_missingKey.isEmpty())
             m_missingKey = QLatin1String(file.key);
         m_files.append(path);
-        if (path.isEmpty() || !readRuleFile(path, QLatin1String(file.tag), &m_records))
-            break; // loading has ended there, too
     }
+}
+
+void RuleChecker::indexRecords()
+{
     for (const RuleRecord& record : m_records) {
-        m_byPlace.insert(placeKey(record.file, record.lineNumber, record.columnNumber), &record);
+        m_byPlace.insert(placeKey(record), &record);
         if (record.isForeign)
             continue;
         if (record.isActive && !isLoaded(record))
             m_refused.insert(&record);
-        const QString name = record.name.toUpper();
-        const RuleRecord* const previous = m_byName.value(name);
+        const RuleRecord* const previous = m_byName.value(record.recordName);
         if (!record.isMessageRule() && (!previous || !previous->isActive))
-            m_byName.insert(name, &record);
+            m_byName.insert(record.recordName, &record);
     }
     m_names = {"CHARACTER", "ALPHANUM", "ALPHA", "DIGIT", "SEP", "NIL", "LIM_CHAR"};
     for (const RuleRecord& record : m_records) {
         if (!record.isMessageRule())
-            m_names.push_back(record.name.toUpper().toStdString());
+            m_names.push_back(record.recordName.toStdString());
     }
 }
 
 bool RuleChecker::isLoaded(const RuleRecord& record) const
 {
-    const QString name = record.name.toUpper();
     const TermStd* definition = nullptr;
     if (record.isMessageRule())
-        definition = m_rules.msgRules.search(name);
+        definition = m_rules.msgRules.search(record.recordName);
     else
-        definition = m_rules.termsList.search(name);
+        definition = m_rules.termsList.search(record.recordName);
     // A definition may be in the list although its check has failed.
-    return definition && definition->valid && definition->config.xmlFile == record.file &&
-           definition->config.lineNumber == record.lineNumber &&
-           definition->config.columnNumber == record.columnNumber;
+    return definition && definition->valid && placeKey(definition->config) == placeKey(record);
 }
 
 bool RuleChecker::isInUse(const RuleRecord& record) const
@@ -128,7 +116,7 @@ bool RuleChecker::isInUse(const RuleRecord& record) const
 
 const RuleRecord* RuleChecker::recordOf(const ConfigInfo& info) const
 {
-    return m_byPlace.value(placeKey(info.xmlFile, info.lineNumber, info.columnNumber));
+    return m_byPlace.value(placeKey(info));
 }
 
 void RuleChecker::keepCauses(const std::vector<Finding>& all)
@@ -213,30 +201,25 @@ void RuleChecker::keep(Finding finding)
     ConfigInfo& place = finding.record;
     if (const RuleRecord* const record = recordOf(place)) {
         const SourcePlace exact =
-            finding.begin < 0 ? record->place : placeInExpression(record, finding.begin);
-        if (exact.line > 0) {
-            place.lineNumber = exact.line;
-            place.columnNumber = exact.column;
-        }
+            finding.begin < 0 ? record->place
+                              : placeInExpression(record, static_cast<std::size_t>(finding.begin));
+        place.lineNumber = exact.line;
+        place.columnNumber = exact.column;
     } else if (place.xmlFile.isEmpty()) {
         place.setXMLFile(m_settingsFile);
     }
     m_findings.push_back(std::move(finding));
 }
 
-// That of the record if the place in it is not known.
-SourcePlace RuleChecker::placeInExpression(const RuleRecord* record, int position)
+SourcePlace RuleChecker::placeInExpression(const RuleRecord* record, std::size_t position)
 {
-    const SourceText* const expression = record->expression();
+    const RecordPart* const expression = record->expression();
     if (!expression)
         return record->place;
     auto places = m_expressionPlaces.find(record);
     if (places == m_expressionPlaces.end())
-        places = m_expressionPlaces.emplace(record, expression->placesInExpression()).first;
-    if (places->second.empty())
-        return expression->place;
-    const std::size_t last = places->second.size() - 1;
-    return places->second[std::min(static_cast<std::size_t>(position), last)];
+        places = m_expressionPlaces.emplace(record, placesInExpression(*expression)).first;
+    return places->second[std::min(position, places->second.size() - 1)];
 }
 
 void RuleChecker::findUnused()
@@ -263,7 +246,7 @@ void RuleChecker::findUnused()
     }
     for (const RuleRecord& record : m_records) {
         if (isInUse(record) && !record.isMessageRule())
-            reportUse(record, used.contains(record.name.toUpper()));
+            reportUse(record, used.contains(record.recordName));
     }
 }
 
@@ -284,8 +267,8 @@ void RuleChecker::report(const RuleRecord& record, const SourcePlace& place, Sev
     finding.severity = severity;
     finding.text = text;
     finding.detail = detail;
-    finding.record.setXMLFile(record.file);
-    finding.record.recordName = record.name.toUpper();
+    finding.record.setXMLFile(record.xmlFile);
+    finding.record.recordName = record.recordName;
     finding.record.lineNumber = place.line;
     finding.record.columnNumber = place.column;
     m_findings.push_back(std::move(finding));
@@ -301,12 +284,12 @@ void RuleChecker::checkExamples()
             const bool isCounterexample = part.tag == QLatin1String("counterexample");
             if (!isCounterexample && part.tag != QLatin1String("example"))
                 continue;
-            const SourceText example = part.content.trimmed();
-            const QString why = isCounterexample ? checker.whyAccepted(record, example.text)
-                                                 : checker.whyRefused(record, example.text);
+            const QString example = part.text.trimmed();
+            const QString why = isCounterexample ? checker.whyAccepted(record, example)
+                                                 : checker.whyRefused(record, example);
             if (!why.isEmpty())
-                report(record, example.place, Severity::Error,
-                       QLatin1String("the ") + part.tag + u' ' + why, example.text);
+                report(record, placesInExpression(part).front(), Severity::Error,
+                       QLatin1String("the ") + part.tag + u' ' + why, example);
         }
     }
 }

@@ -2,8 +2,8 @@
 #define RULECHECKER_H
 
 #include "load/mainclass.h"
+#include "load/rulerecord.h"
 #include "report/finding.h"
-#include "rulefile.h"
 
 #include <QHash>
 #include <QStringList>
@@ -45,10 +45,11 @@ public:
     Counts counts() const;
 
 private:
-    void readRecords(const QSettings& settings);
+    void readSettings(const QSettings& settings);
+    void indexRecords();
     void keepCauses(const std::vector<Finding>& all);
     void keep(Finding finding);
-    SourcePlace placeInExpression(const RuleRecord* record, int position);
+    SourcePlace placeInExpression(const RuleRecord* record, std::size_t position);
     bool followsFromAnother(const Finding& finding) const;
     QString hintFor(const Finding& unknownName);
     QString loopHint(const QString& name, const QString& by) const;
@@ -66,7 +67,7 @@ private:
     MainClass m_rules;
     bool m_isLoaded = false;
     QString m_settingsFile;
-    QString m_missingKey; // of the rule file that loading ended at
+    QString m_missingKey; // of the first rule file that the settings do not name
     QStringList m_files;  // in the order of loading
     std::vector<RuleRecord> m_records;
     QHash<QString, const RuleRecord*> m_byName;  // definitions only; the one that counts

@@ -3,8 +3,8 @@
 #include "console.h"
 #include "definitions.h"
 #include "grammar/termexpression.h"
+#include "load/rulefilereader.h"
 #include "loadedrules.h"
-#include "rulefile.h"
 #include "settingsfile.h"
 #include "termfacts.h"
 
@@ -12,7 +12,6 @@
 
 #include <QSet>
 
-#include <algorithm>
 #include <memory>
 
 namespace {
@@ -32,21 +31,18 @@ constexpr const char* ExplainFooter =
     "  adexp explain EOBT\n"
     "  adexp explain --settings my.ini\n";
 
-// The record that the definition was loaded from; null if its file has changed since.
-const RuleRecord* recordOf(const TermStd* definition, const std::vector<RuleRecord>& records)
+// The record that the definition was loaded from; only its place if its file has changed since.
+RuleRecord recordOf(const ConfigInfo& config)
 {
-    const auto record =
-        std::find_if(records.begin(), records.end(), [definition](const RuleRecord& candidate) {
-            return candidate.lineNumber == definition->config.lineNumber &&
-                   candidate.columnNumber == definition->config.columnNumber;
-        });
-    return record == records.end() ? nullptr : &*record;
-}
-
-QString placeText(const ConfigInfo& config, const SourcePlace& place)
-{
-    return config.tagName + QLatin1String(" in ") + config.xmlFile + u':' +
-           QString::number(place.line) + u':' + QString::number(place.column);
+    RuleFileReader reader(config.tagName, true);
+    reader.read(config.xmlFile);
+    for (const RuleRecord& record : reader.records) {
+        if (record.lineNumber == config.lineNumber && record.columnNumber == config.columnNumber)
+            return record;
+    }
+    RuleRecord unknown;
+    unknown.place = {config.lineNumber, config.columnNumber};
+    return unknown;
 }
 
 QString lengthText(const TermStd* definition)
@@ -157,20 +153,16 @@ void printLine(StandardOutput* out, const QString& label, const QString& text)
 void explain(const MainClass& rules, const TermStd* definition, StandardOutput* out)
 {
     const ConfigInfo& config = definition->config;
-    std::vector<RuleRecord> records;
-    readRuleFile(config.xmlFile, config.tagName, &records);
-    const RuleRecord* const record = recordOf(definition, records);
+    const RuleRecord record = recordOf(config);
     printLine(out, config.recordName + QLatin1String(": "),
-              placeText(config, record ? record->place
-                                       : SourcePlace{config.lineNumber, config.columnNumber}));
-    if (record) {
-        for (const RecordPart& part : record->parts) {
-            if (part.tag == QLatin1String("description"))
-                printLine(out, QStringLiteral("Description:    "), part.content.text.simplified());
-        }
-        if (const SourceText* const expression = record->expression())
-            printLine(out, QStringLiteral("Definition:     "), expression->text.simplified());
+              config.tagName + QLatin1String(" in ") + config.xmlFile + u':' +
+                  QString::number(record.place.line) + u':' + QString::number(record.place.column));
+    for (const RecordPart& part : record.parts) {
+        if (part.tag == QLatin1String("description"))
+            printLine(out, QStringLiteral("Description:    "), part.text.simplified());
     }
+    if (const RecordPart* const expression = record.expression())
+        printLine(out, QStringLiteral("Definition:     "), expression->text.simplified());
     printLine(out, QStringLiteral("Longest data:   "), lengthText(definition));
     printLine(out, QStringLiteral("Refers to:      "), listText(referencesOf(definition)));
     // Nothing refers to a message rule, also if it shares the name of a field.
