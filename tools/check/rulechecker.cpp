@@ -71,11 +71,10 @@ RuleChecker::RuleChecker(QSettings* settings)
 
 void RuleChecker::readSettings(const QSettings& settings)
 {
-    for (const RuleFile& file : RuleFiles) {
-        const QString path = pathOf(file, settings);
-        if (path.isEmpty() && m_missingKey.isEmpty())
-            m_missingKey = QLatin1String(file.key);
-        m_files.append(path);
+    for (const char* key : RuleFileKeys) {
+        m_files.append(pathOf(key, settings));
+        if (m_files.last().isEmpty() && m_missingKey.isEmpty())
+            m_missingKey = QLatin1String(key);
     }
 }
 
@@ -100,11 +99,9 @@ void RuleChecker::indexRecords()
 
 bool RuleChecker::isLoaded(const RuleRecord& record) const
 {
-    const TermStd* definition = nullptr;
-    if (record.isMessageRule())
-        definition = m_rules.msgRules.search(record.recordName);
-    else
-        definition = m_rules.termsList.search(record.recordName);
+    const QString& name = record.recordName;
+    const TermStd* const definition =
+        record.isMessageRule() ? m_rules.msgRules.search(name) : m_rules.termsList.search(name);
     // A definition may be in the list although its check has failed.
     return definition && definition->valid && placeKey(definition->config) == placeKey(record);
 }
@@ -203,8 +200,7 @@ void RuleChecker::keep(Finding finding)
         const SourcePlace exact =
             finding.begin < 0 ? record->place
                               : placeInExpression(record, static_cast<std::size_t>(finding.begin));
-        place.lineNumber = exact.line;
-        place.columnNumber = exact.column;
+        place.setXMLData(exact.line, exact.column, place.tagName);
     } else if (place.xmlFile.isEmpty()) {
         place.setXMLFile(m_settingsFile);
     }
@@ -226,38 +222,27 @@ void RuleChecker::findUnused()
 {
     QSet<QString> used;
     QStringList toFollow;
-    const auto use = [&used, &toFollow](const QString& name) {
-        if (!used.contains(name)) {
-            used.insert(name);
-            toFollow.append(name);
-        }
-    };
-    const auto useAll = [&use](const QStringList& names) {
-        std::for_each(names.begin(), names.end(), use);
-    };
     for (const MsgRule* rule : m_rules.msgRules)
-        useAll(referencesOf(rule));
+        toFollow += referencesOf(rule);
     // A definition that was left out counts as using everything that it names.
     for (const RuleRecord* record : m_refused)
-        useAll(namesIn(record));
+        toFollow += namesIn(record);
     while (!toFollow.isEmpty()) {
-        if (const TermStd* const term = m_rules.termsList.search(toFollow.takeLast()))
-            useAll(referencesOf(term));
+        const QString name = toFollow.takeLast();
+        const TermStd* const term = used.contains(name) ? nullptr : m_rules.termsList.search(name);
+        used.insert(name);
+        if (term)
+            toFollow += referencesOf(term);
     }
     for (const RuleRecord& record : m_records) {
-        if (isInUse(record) && !record.isMessageRule())
-            reportUse(record, used.contains(record.recordName));
+        const bool isUsed = used.contains(record.recordName);
+        if (isInUse(record) && !record.isMessageRule() && isUsed == record.isMeantUnused)
+            report(record, record.place, Severity::Warning,
+                   isUsed ? QStringLiteral("a message rule uses it; delete unused=\"true\"")
+                          : QStringLiteral("no message rule uses it, directly or through other "
+                                           "definitions; delete it, or write unused=\"true\""),
+                   {});
     }
-}
-
-void RuleChecker::reportUse(const RuleRecord& record, bool isUsed)
-{
-    if (isUsed == record.isMeantUnused)
-        report(record, record.place, Severity::Warning,
-               isUsed ? QStringLiteral("a message rule uses it; delete unused=\"true\"")
-                      : QStringLiteral("no message rule uses it, directly or through other "
-                                       "definitions; delete it, or write unused=\"true\""),
-               {});
 }
 
 void RuleChecker::report(const RuleRecord& record, const SourcePlace& place, Severity severity,
@@ -267,10 +252,8 @@ void RuleChecker::report(const RuleRecord& record, const SourcePlace& place, Sev
     finding.severity = severity;
     finding.text = text;
     finding.detail = detail;
-    finding.record.setXMLFile(record.xmlFile);
-    finding.record.recordName = record.recordName;
-    finding.record.lineNumber = place.line;
-    finding.record.columnNumber = place.column;
+    finding.record = record;
+    finding.record.setXMLData(place.line, place.column, record.tagName);
     m_findings.push_back(std::move(finding));
 }
 

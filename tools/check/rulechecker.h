@@ -59,7 +59,6 @@ private:
     void report(const RuleRecord& record, const SourcePlace& place, Severity severity,
                 const QString& text, const QString& detail);
     void sortByPlace();
-    void reportUse(const RuleRecord& record, bool isUsed);
     bool isLoaded(const RuleRecord& record) const;
     bool isInUse(const RuleRecord& record) const;
     const RuleRecord* recordOf(const ConfigInfo& info) const;

@@ -31,8 +31,8 @@ ReadFiles::ReadFiles(const std::string& settings)
 {
     add(settings);
     const QSettings rules(QString::fromStdString(settings), QSettings::IniFormat);
-    for (const RuleFile& file : RuleFiles)
-        add(QFile::encodeName(pathOf(file, rules)).toStdString());
+    for (const char* key : RuleFileKeys)
+        add(QFile::encodeName(pathOf(key, rules)).toStdString());
 }
 
 void ReadFiles::add(const std::string& argument)

@@ -6,9 +6,9 @@
 #include <cstring>
 #include <unistd.h>
 
-QString pathOf(const RuleFile& file, const QSettings& settings)
+QString pathOf(const char* key, const QSettings& settings)
 {
-    return settings.value(QLatin1String("rules/") + QLatin1String(file.key)).toString();
+    return settings.value(QLatin1String("rules/") + QLatin1String(key)).toString();
 }
 
 // The library takes a settings file that is not there for an empty one, and its report then is

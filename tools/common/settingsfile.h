@@ -10,23 +10,12 @@ class QSettings;
 /// The settings path of the rule set that is compiled into the library.
 constexpr const char* BuiltInSettings = ":/adexp/adexp.ini";
 
-/// One of the files that a settings file names.
-struct RuleFile
-{
-    const char* key; ///< in the group "rules"
-    const char* tag; ///< of its records
-};
+/// The keys of the rule files in the group "rules", in the order of loading.
+constexpr const char* RuleFileKeys[] = {"simpleTermsFile", "subFieldsFile", "primaryFieldsFile",
+                                        "msgRulesFile"};
 
-/// The files of a rule set in the order of loading.
-constexpr RuleFile RuleFiles[] = {
-    {"simpleTermsFile", "simpleTerm"},
-    {"subFieldsFile", "SubField"},
-    {"primaryFieldsFile", "PrimaryField"},
-    {"msgRulesFile", "msgRule"},
-};
-
-/// The path of @p file as @p settings, in no group, give it; empty if they do not.
-QString pathOf(const RuleFile& file, const QSettings& settings);
+/// The path of the rule file @p key as @p settings, in no group, give it; empty if they do not.
+QString pathOf(const char* key, const QSettings& settings);
 
 /// What is wrong with a settings file that can be opened, but not read.
 constexpr const char* NotAnIniFile =
