@@ -14,9 +14,9 @@ ALLOWED = {
     "(anonymous namespace)::loadingLock",
 }
 
-# What is not ours: the compiler's pointers to exceptions, what moc and rcc write (the description of
+# What is not ours: pointers to exceptions and marks of AddressSanitizer by the compiler, what moc and rcc write (the description of
 # MainClass, and the registration of the built-in rule set when the library is loaded).
-GENERATED = re.compile(r"^DW\.ref\.|^QtPrivate::QMetaTypeInterfaceWrapper<|::dummy$")
+GENERATED = re.compile(r"^DW\.ref\.|^__odr_asan\.|^QtPrivate::QMetaTypeInterfaceWrapper<|::dummy$")
 
 
 def writable(nm, path):
