@@ -170,7 +170,7 @@ class Programs(unittest.TestCase):
 
     def test_programs_of_the_library_print_what_stands_below_them(self):
         blocks = pages.blocks(pages.read(LIBRARY_PAGE))
-        self.assertEqual([kind for kind, _ in blocks], ["cpp", "output"] * 3 + ["c", "output"])
+        self.assertEqual([kind for kind, _ in blocks], ["cpp", "output"] * 4 + ["c", "output"])
         for (_, source), (_, output) in zip(blocks[::2], blocks[1::2]):
             with self.subTest(source.splitlines()[0]):
                 self.assertEqual(self.run_compiled(*self.write_program(source)), output)

@@ -74,7 +74,7 @@ class Field(Group):
     is_list: bool
     """Whether it is written between -BEGIN and -END."""
     item: int
-    """In a list: the number of its item, from 1; 0: not in a list."""
+    """The number of its item, from 1, if it stands right inside a list; else 0."""
     fields: Tuple["Field", ...]
     """The fields right inside it."""
     begin: int
@@ -101,6 +101,9 @@ class Field(Group):
     def __str__(self) -> str:
         return self.data
 
+    def __format__(self, form: str) -> str:
+        return format(self.data, form)
+
 
 @dataclass
 class Finding:
@@ -116,7 +119,7 @@ class Finding:
     path: str
     """The names down to the field, "RTEPTS/PT/FL"; of a rule set: the name of the definition."""
     file: str
-    """Of a rule set: the rule file."""
+    """Of a rule set: the rule file, or the settings file."""
     report: str
     """The line that init_adexp() or convert_from_adexp() would write about it."""
     field: Optional[Field]
@@ -156,6 +159,12 @@ class Result(Group, Uncopied):
         self._handle = handle
         self._view_function = view_function
 
+    def __iter__(self) -> Iterator[Field]:
+        return iter(self.fields)
+
+    def __repr__(self) -> str:
+        return f"<Result {self.status.name} of {self.title!r}>"
+
     @_lazy
     def status(self) -> Status:
         """OK: a document can be made; NO_TITLE, NO_RULE, TOO_LARGE: it cannot."""
@@ -169,7 +178,7 @@ class Result(Group, Uncopied):
 
     @_lazy
     def title(self) -> str:
-        """The word behind -TITLE; empty if there is none."""
+        """The word after -TITLE; empty if there is none."""
         title: Text = self._view.title
         return self._text(title.at, title.size)
 

@@ -17,7 +17,10 @@ def _bytes_of(message: Message) -> bytes:
     # What a class derived from them says of itself may not be so: the library would read on.
     if isinstance(message, str):
         return str.encode(message, "utf-8")
-    return message if type(message) is bytes else memoryview(message).tobytes()
+    try:
+        return message if type(message) is bytes else memoryview(message).tobytes()
+    except TypeError:
+        raise TypeError(f"a message is str or bytes, not {type(message).__name__}") from None
 
 
 class RuleSet(Uncopied):
@@ -36,7 +39,7 @@ class RuleSet(Uncopied):
         path = os.fsencode(BUILT_IN_SETTINGS if settings is None else settings)
         if not path.startswith(b":"):
             # The library would take a file that is not there for an empty one.
-            with open(path, "rb"):
+            with open(os.fsdecode(path), "rb"):
                 pass
         library = self._library = load()
         rules = self._rules = Handle(library.rules_release)
@@ -56,7 +59,7 @@ class RuleSet(Uncopied):
 
         message       the text, or its UTF-8 bytes (invalid ones become U+FFFD)
         document, fields, findings
-                      whether the result has them; what it has not saves its cost
+                      whether the result has them; what is left out costs nothing, and is empty
         max_findings  further ones are counted only; 0: no limit
 
         Raises ValueError if the text holds surrogates.
@@ -71,10 +74,12 @@ class RuleSet(Uncopied):
         those of convert()."""
         if isinstance(messages, (str, bytes)):
             raise TypeError("convert_many() takes several messages; convert() takes one")
+        if not 0 <= max_findings < 1 << 32:
+            raise ValueError("max_findings is not between 0 and 4294967295")
         library, rules = self._library, self._rules
         texts = [_bytes_of(message) for message in messages]
         count = len(texts)
-        want = DOCUMENT * document + FIELDS * fields + FINDINGS * findings
+        want = DOCUMENT * bool(document) + FIELDS * bool(fields) + FINDINGS * bool(findings)
         handles = [Handle(library.result_release, library.result_new()) for _ in texts]
         status = library.convert_many(
             rules.pointer, (ctypes.c_char_p * count)(*texts),

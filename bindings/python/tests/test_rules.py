@@ -44,6 +44,13 @@ def test_fields_are_found_by_name_at_any_depth(built_in):
         result["ADES"]
 
 
+def test_result_is_gone_through_field_by_field_and_shown_in_short(built_in):
+    result = built_in.convert(GOOD)
+    assert [f"{field.name:>8}={field:<7}|" for field in result] == [
+        "   ARCID=OAL271 |", "  IFPLID=AA40221877|"]
+    assert repr(result) == "<Result OK of 'RFI'>"
+
+
 def test_field_tells_what_it_is_and_where(built_in):
     result = built_in.convert(ROUTE)
     assert result["RTEPTS"].is_list and not result["ARCID"].is_list
@@ -113,6 +120,18 @@ def test_what_is_not_asked_for_is_not_there(built_in):
     assert built_in.convert(message, findings=False).findings == []
     result = built_in.convert(message, max_findings=1)
     assert (len(result.findings), result.findings_left_out) == (1, 1)
+
+
+@pytest.mark.parametrize("most", [-1, 1 << 32])
+def test_number_of_findings_that_is_none_is_refused(built_in, most):
+    with pytest.raises(ValueError, match="max_findings"):
+        built_in.convert(GOOD, max_findings=most)
+
+
+@pytest.mark.parametrize("message", [None, 5, ["-TITLE"]])
+def test_message_of_another_type_is_refused(built_in, message):
+    with pytest.raises(TypeError, match=f"a message is str or bytes, not {type(message).__name__}"):
+        built_in.convert(message)
 
 
 def test_result_outlives_its_rule_set_and_its_message(rule_files):
