@@ -6,7 +6,6 @@
 #include "message/msgrule.h"
 
 #include <algorithm>
-#include <functional>
 
 namespace {
 
@@ -17,11 +16,10 @@ public:
 };
 
 // Behind the last unit of the part, which may be no part of the text (a joined keyword).
-int endIn(QStringView text, QStringView part)
+int endIn(const AdexpDoc& doc, QStringView part)
 {
-    const bool isInText = !part.isEmpty() && std::less_equal<>()(text.begin(), part.begin()) &&
-                          std::less_equal<>()(part.end(), text.end());
-    return isInText ? static_cast<int>(part.end() - text.begin()) : 0;
+    const QChar* const end = part.data() + part.size();
+    return doc.isInText(part) ? static_cast<int>(end - doc.msgParam.text.constData()) : 0;
 }
 
 } // namespace
@@ -74,9 +72,9 @@ void adexp_result::addFields(const AdexpField& field, int parent)
     added.place.end = field.fieldEnd;
     m_data.fields.push_back(added);
 
-    const QStringView text(field.doc->msgParam.text);
+    const AdexpDoc& doc = *field.doc;
     int end =
-        std::max({field.fieldBegin, endIn(text, field.fieldName), endIn(text, field.fieldData)});
+        std::max({field.fieldBegin, endIn(doc, field.fieldName), endIn(doc, field.fieldData)});
     for (const AdexpField* sub : field.subFields) {
         const size_t subIndex = m_data.fields.size();
         addFields(*sub, static_cast<int>(index));

@@ -301,10 +301,14 @@ void AdexpDoc::report(QStringView place, adexp_code code, const QString& message
 // The detail if it is a part of the text, otherwise what was read last.
 QStringView AdexpDoc::placeOf(QStringView detail) const
 {
+    return isInText(detail) ? detail : lastRead();
+}
+
+bool AdexpDoc::isInText(QStringView part) const
+{
     const QStringView text(msgParam.text);
-    const bool isInText = !detail.isEmpty() && std::less_equal<>()(text.begin(), detail.begin()) &&
-                          std::less_equal<>()(detail.end(), text.end());
-    return isInText ? detail : lastRead();
+    return !part.isEmpty() && std::less_equal<>()(text.begin(), part.begin()) &&
+           std::less_equal<>()(part.end(), text.end());
 }
 
 QStringView AdexpDoc::lastRead() const

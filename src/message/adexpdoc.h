@@ -126,6 +126,9 @@ public:
     /// last; empty if nothing was read yet.
     QStringView lastRead() const;
 
+    /// True if @p part is not empty, and a view into the text (not one into a copy of a part).
+    bool isInText(QStringView part) const;
+
     /// Makes a field that is valid as long as the document. It is never destroyed; its memory is
     /// released with that of the document. An AdexpField holds only views and memory of arena().
     template <typename... Args>
