@@ -1,6 +1,5 @@
 // The command "adexp": converts messages, and shows how the library sees messages and rule sets.
 
-#include "checkcommand.h"
 #include "commandline.h"
 #include "commands.h"
 #include "console.h"
@@ -60,8 +59,7 @@ ExitCode run(int argc, const char* const* argv)
     ExitCode status = ExitCode::Success;
     addConvertCommand(&app, &status);
     addTreeCommand(&app, &status);
-    CheckOptions check;
-    addCheckCommand(&app, &check)->final_callback([&] { status = runCheck(check); });
+    addCheckCommand(&app, &status);
     addExplainCommand(&app, &status);
     addMatchCommand(&app, &status);
     addViewCommand(&app, &status);

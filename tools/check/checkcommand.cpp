@@ -1,9 +1,9 @@
-#include "checkcommand.h"
-
 #include "commandline.h"
+#include "commands.h"
 #include "console.h"
 #include "findingjson.h"
 #include "rulechecker.h"
+#include "settingsfile.h"
 
 #include <CLI/CLI.hpp>
 
@@ -11,8 +11,15 @@
 #include <QSettings>
 
 #include <algorithm>
+#include <memory>
 
 namespace {
+
+struct CheckOptions
+{
+    std::string settings = BuiltInSettings;
+    bool isJson = false; // one JSON object per finding
+};
 
 constexpr const char* CheckFooter =
     "Each finding is a line \"FILE:LINE:COLUMN: error|warning: TEXT [NAME]\", sorted by place, "
@@ -83,17 +90,7 @@ std::string summary(const RuleChecker& checker)
     return text + '\n';
 }
 
-} // namespace
-
-CLI::App* addCheckCommand(CLI::App* app, CheckOptions* options)
-{
-    CLI::App* const command = app->add_subcommand("check", "Check a rule set");
-    addFooter(command, CheckFooter);
-    addSettingsOption(command, &options->settings);
-    addFormatOption(command, &options->isJson);
-    return command;
-}
-
+// Prints all that can be said about a rule set.
 ExitCode runCheck(const CheckOptions& options)
 {
     if (const std::string error = settingsError(options.settings); !error.empty()) {
@@ -114,4 +111,16 @@ ExitCode runCheck(const CheckOptions& options)
     if (!out.flush())
         return ExitCode::NotDone;
     return checker.findings().empty() ? ExitCode::Success : ExitCode::WithDiagnostics;
+}
+
+} // namespace
+
+void addCheckCommand(CLI::App* app, ExitCode* status)
+{
+    CLI::App* const command = app->add_subcommand("check", "Check a rule set");
+    const auto options = std::make_shared<CheckOptions>();
+    addFooter(command, CheckFooter);
+    addSettingsOption(command, &options->settings);
+    addFormatOption(command, &options->isJson);
+    command->final_callback([options, status] { *status = runCheck(*options); });
 }

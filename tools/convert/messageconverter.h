@@ -8,10 +8,9 @@
 
 #include <string>
 
-class MessageReports;
-
-/// Does the whole work for one message after another: reads, converts, and writes the document if
-/// it goes to a file. For one thread; others have their own, with the same rule set.
+/// Does the whole work for one message after another: reads, converts, writes the document if it
+/// goes to a file, and tells what there is to report. For one thread; others have their own, with
+/// the same rule set.
 class MessageConverter
 {
 public:
@@ -25,8 +24,13 @@ public:
     ConversionResult convertOrTell(const Message& message);
 
 private:
-    void convertInto(const Message& message, MessageReports* reports, ConversionResult* result);
-    void write(const std::string& file, MessageReports* reports) const;
+    ConversionResult emptyResult(const Message& message) const;
+    void convertInto(const Message& message, ConversionResult* result);
+    void write(const std::string& file, ConversionResult* result) const;
+    void report(const Message& message, ConversionResult* result) const;
+    void notConverted(const Message& message, const std::string& reason,
+                      ConversionResult* result) const;
+    void fail(const std::string& reason, const std::string& line, ConversionResult* result) const;
 
     const ConvertOptions& m_options;
     const adexp::RuleSet& m_rules;
