@@ -270,9 +270,8 @@ typedef struct adexp_finding
     adexp_text text;   /* what was found */
     adexp_text detail; /* the text that it was found in; may be empty */
     adexp_text path, file;
-    adexp_text
-        line;      /* as the functions of the default rule set write it, the last blank included */
-    int32_t field; /* -1: none */
+    adexp_text report; /* the line that the functions of the default rule set write about it */
+    int32_t field;     /* -1: none */
     int32_t reserved;
     adexp_place place;
 } adexp_finding;

@@ -225,8 +225,9 @@ public:
     std::string_view path() const { return text(at().path); }
     /// Of a rule set: the rule file.
     std::string_view file() const { return text(at().file); }
-    /// As the functions of the default rule set write it, the last blank included.
-    std::string_view line() const { return text(at().line); }
+    /// The line that init_adexp() or convert_from_adexp() would write about it, which ends with a
+    /// blank.
+    std::string_view report() const { return text(at().report); }
     /// The index of the field that it is about, for Result::field(); -1: none.
     int field() const { return at().field; }
     const Place& place() const { return at().place; }

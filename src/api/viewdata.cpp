@@ -39,7 +39,7 @@ void ViewData::report(const Finding& finding)
     added.detail = add(finding.detail);
     added.path = add(isAboutRules ? record.recordName : finding.path);
     added.file = add(record.xmlFile);
-    added.line = add(LineReporter::lineOf(finding));
+    added.report = add(LineReporter::lineOf(finding));
     added.field = finding.field;
     added.place = {finding.begin, finding.end, -1, -1, record.lineNumber, record.columnNumber};
     findings.push_back(added);

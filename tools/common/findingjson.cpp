@@ -31,9 +31,10 @@ QJsonObject findingJson(const adexp::Finding& finding)
     facts.isWarning = finding.severity() == adexp::Severity::Warning;
     facts.text = unicode(finding.text());
     facts.detail = unicode(finding.detail());
-    facts.file = unicode(finding.file());
-    if (!facts.file.isEmpty()) // of a field the path is none of a definition
+    if (!finding.file().empty() && finding.place().line > 0) { // about a definition
+        facts.file = unicode(finding.file());
         facts.name = unicode(finding.path());
+    }
     facts.line = finding.place().line;
     facts.column = finding.place().column;
     facts.begin = finding.place().begin;

@@ -20,7 +20,7 @@ void report(const std::string& settings, const std::string& text, bool isJson)
 void report(const std::string& settings, const adexp::Finding& finding, bool isJson)
 {
     if (!isJson)
-        return printError(settings, finding.line());
+        return printError(settings, finding.report());
     QJsonObject object = findingJson(finding);
     if (!object.contains(QStringLiteral("file")))
         object.insert(QStringLiteral("file"), QString::fromStdString(settings));

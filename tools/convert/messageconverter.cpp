@@ -106,10 +106,10 @@ void MessageConverter::report(const Message& message, ConversionResult* result) 
         return;
     for (const adexp::Finding finding : findings) {
         if (m_options.summary)
-            ++result->coverage.diagnostics[std::string(finding.line())];
+            ++result->coverage.diagnostics[std::string(finding.report())];
         if (m_options.showsReports())
             result->reports += m_options.isJson ? jsonLineOf(message, findingJson(finding))
-                                                : errorLine(message.name(), finding.line());
+                                                : errorLine(message.name(), finding.report());
     }
 }
 

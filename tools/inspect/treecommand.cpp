@@ -52,7 +52,7 @@ ExitCode showTree(const std::string& name, const std::string& message, const ade
 {
     const adexp::Result result = rules.convert(message, {false, true, true, 0});
     for (const adexp::Finding finding : result.findings())
-        printError(name, finding.line());
+        printError(name, finding.report());
     StandardOutput out;
     std::string lines;
     if (const std::optional<adexp::Field> root = result.message())

@@ -63,7 +63,7 @@ ExitCode view(const ViewOptions& options, const std::string& message, const adex
     const std::string name = displayName(options.file);
     const adexp::Result result = rules.convert(message, {false, true, true, 0});
     for (const adexp::Finding finding : result.findings())
-        printError(name, finding.line());
+        printError(name, finding.report());
 
     const QString text = unicode(message).remove(u'\r'); // as the positions count it
     PageContent content{name,
