@@ -54,7 +54,7 @@ ExitCode run(int argc, const char* const* argv)
     app.set_version_flag("--version", std::string(CommandName) + ' ' + ADEXP_VERSION,
                          "Show the version");
     app.require_subcommand(1);
-    addFooter(&app, Footer);
+    addCommonParts(&app, Footer, nullptr);
 
     ExitCode status = ExitCode::Success;
     addConvertCommand(&app, &status);

@@ -22,14 +22,8 @@ QString LineReporter::lineOf(const Finding& finding)
         return finding.text + u' ';
     if (finding.signature)
         return QLatin1String(finding.signature) + u' ' + quoted(finding.head + finding.text);
-    switch (finding.code) {
-    case ADEXP_CODE_SETTINGS_ACCESS:
-    case ADEXP_CODE_SETTINGS_FORMAT:
-    case ADEXP_CODE_SETTINGS_ERROR:
+    if (finding.code >= ADEXP_CODE_SETTINGS_ACCESS && finding.code <= ADEXP_CODE_SETTINGS_ERROR)
         return finding.text + u' ' + quoted(finding.detail);
-    default:
-        break;
-    }
     if (finding.code < ADEXP_CODE_SETTINGS_ACCESS) // about a message
         return quoted(finding.text) +
                (finding.detail.isEmpty() ? QString() : quoted(finding.detail));

@@ -6,43 +6,30 @@
 
 namespace {
 
-std::string lineOf(const FindingFacts& finding)
-{
-    return jsonLine(findingJson(finding));
-}
-
 TEST(FindingJson, OfARuleSetHasItsPlaceAndDefinition)
 {
-    FindingFacts finding;
-    finding.text = QStringLiteral("term in \"\" empty");
-    finding.detail = QStringLiteral("A\tB");
-    finding.file = QStringLiteral("terms.xml");
-    finding.line = 3;
-    finding.column = 7;
-    finding.name = QStringLiteral("FL");
-    finding.begin = 5;
-    EXPECT_EQ(lineOf(finding), "{\"column\":7,\"detail\":\"A\\tB\",\"file\":\"terms.xml\","
-                               "\"line\":3,\"name\":\"FL\",\"severity\":\"error\","
-                               "\"text\":\"term in \\\"\\\" empty\"}\n");
+    QJsonObject finding =
+        findingJson(false, QStringLiteral("term in \"\" empty"), QStringLiteral("A\tB"));
+    insertRecord(QStringLiteral("FL"), QStringLiteral("terms.xml"), 3, 7, &finding);
+    EXPECT_EQ(jsonLine(finding), "{\"column\":7,\"detail\":\"A\\tB\",\"file\":\"terms.xml\","
+                                 "\"line\":3,\"name\":\"FL\",\"severity\":\"error\","
+                                 "\"text\":\"term in \\\"\\\" empty\"}\n");
 }
 
 TEST(FindingJson, OfAMessageHasItsStretch)
 {
-    FindingFacts finding;
-    finding.isWarning = true;
-    finding.text = QStringLiteral("ignore word");
-    finding.detail = QStringLiteral("Q\n\u007f\u009b\u202e");
-    finding.begin = 0;
-    finding.end = 1;
-    EXPECT_EQ(lineOf(finding), "{\"begin\":0,\"detail\":\"Q\\n\\u007f\\u009b\\u202e\",\"end\":1,"
-                               "\"severity\":\"warning\",\"text\":\"ignore word\"}\n");
+    const adexp::RuleSet rules(adexp::BuiltIn);
+    const adexp::Result result = rules.convert("Q\u007f\u009b\u202e -TITLE RFI -ARCID OAL271");
+    EXPECT_EQ(jsonLine(findingJson(result.findings()[0])),
+              "{\"begin\":0,\"detail\":\"Q\\u007f\\u009b\\u202e\",\"end\":4,"
+              "\"severity\":\"warning\",\"text\":\"ignore word\"}\n");
 }
 
-TEST(FindingJson, WithoutAPlaceHasNone)
+TEST(FindingJson, OfARuleSetWithoutRecordHasNoPlace)
 {
-    FindingFacts finding;
-    finding.text = QStringLiteral("x");
-    EXPECT_EQ(lineOf(finding), "{\"severity\":\"error\",\"text\":\"x\"}\n");
+    const adexp::RuleSet rules("/nowhere/adexp.ini");
+    EXPECT_EQ(jsonLine(findingJson(rules.findings()[0])),
+              "{\"severity\":\"error\",\"text\":\"file path is empty\"}\n");
 }
 
 } // namespace

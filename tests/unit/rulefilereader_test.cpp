@@ -7,8 +7,8 @@
 #include "support/smallstack.h"
 #include "support/tooutput.h"
 
-#include "expressionplaces.h"
 #include "load/mainclass.h"
+#include "rulechecker.h"
 
 #include <QDomDocument>
 

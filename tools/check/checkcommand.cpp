@@ -45,18 +45,12 @@ std::string counted(std::ptrdiff_t count, const char* noun)
     return std::to_string(count) + ' ' + noun + (count == 1 ? "" : "s");
 }
 
-FindingFacts facts(const Finding& finding)
+std::string jsonOf(const Finding& finding)
 {
     const ConfigInfo& place = finding.record;
-    FindingFacts facts;
-    facts.isWarning = isWarning(finding);
-    facts.text = finding.text;
-    facts.detail = finding.detail;
-    facts.name = place.recordName;
-    facts.file = place.xmlFile;
-    facts.line = place.lineNumber;
-    facts.column = place.columnNumber;
-    return facts;
+    QJsonObject object = findingJson(isWarning(finding), finding.text, finding.detail);
+    insertRecord(place.recordName, place.xmlFile, place.lineNumber, place.columnNumber, &object);
+    return jsonLine(object);
 }
 
 std::string textLine(const Finding& finding)
@@ -105,7 +99,7 @@ ExitCode runCheck(const CheckOptions& options)
     const RuleChecker checker(&settings);
     StandardOutput out;
     for (const Finding& finding : checker.findings())
-        out.write(options.isJson ? jsonLine(findingJson(facts(finding))) : textLine(finding));
+        out.write(options.isJson ? jsonOf(finding) : textLine(finding));
     if (!options.isJson)
         out.write(summary(checker));
     if (!out.flush())
@@ -119,8 +113,7 @@ void addCheckCommand(CLI::App* app, ExitCode* status)
 {
     CLI::App* const command = app->add_subcommand("check", "Check a rule set");
     const auto options = std::make_shared<CheckOptions>();
-    addFooter(command, CheckFooter);
-    addSettingsOption(command, &options->settings);
+    addCommonParts(command, CheckFooter, &options->settings);
     addFormatOption(command, &options->isJson);
     command->final_callback([options, status] { *status = runCheck(*options); });
 }

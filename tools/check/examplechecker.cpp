@@ -5,7 +5,6 @@
 #include "load/rulerecord.h"
 #include "message/adexpdoc.h"
 #include "message/msgrule.h"
-#include "printedreports.h"
 #include "report/linereporter.h"
 
 #include <QStringList>
@@ -17,7 +16,7 @@ namespace {
 // "is matched only up to "ABC"", empty if all is matched.
 QString unmatched(TermStd* term, const QString& data)
 {
-    PrintedReports reports;
+    LineReporter reports;
     Match match(data.size(), &reports);
     const int matched = term->match(data.constData(), &match);
     if (match.areStepsExhausted())
@@ -96,7 +95,7 @@ QString ExampleChecker::stretchRefused(const RuleRecord& record, const QString& 
     ConfigInfo config;
     config.recordName = QStringLiteral("EXAMPLEMESSAGE");
     config.ruleText = u'[' + record.recordName + u']';
-    PrintedReports reports;
+    LineReporter reports;
     MsgRule rule(&config, m_rules, &reports);
     rule.check_config(&m_rules->termsList, &reports);
     RuleList rules;

@@ -2,7 +2,6 @@
 
 #include "definitions.h"
 #include "examplechecker.h"
-#include "expressionplaces.h"
 #include "message/msgrule.h"
 #include "nearestname.h"
 #include "report/reporter.h"
@@ -303,4 +302,27 @@ RuleChecker::Counts RuleChecker::counts() const
     for (const RuleRecord* record : m_refused)
         ++(record->isMessageRule() ? counts.messageRulesLeftOut : counts.definitionsLeftOut);
     return counts;
+}
+
+std::vector<SourcePlace> placesInExpression(const RecordPart& part)
+{
+    const QString& text = part.text;
+    std::vector<SourcePlace> result;
+    bool blankIsDue = false;
+    for (int i = 0; i < text.size();) {
+        const bool isPair =
+            text.at(i).isHighSurrogate() && i + 1 < text.size() && text.at(i + 1).isLowSurrogate();
+        const int length = isPair ? 2 : 1;
+        const SourcePlace here = part.places[static_cast<std::size_t>(i)];
+        if (text.at(i).isSpace()) {
+            blankIsDue = !result.empty();
+        } else {
+            const auto units = text.mid(i, length).toUpper().size() + (blankIsDue ? 1 : 0);
+            result.insert(result.end(), static_cast<std::size_t>(units), here);
+            blankIsDue = false;
+        }
+        i += length;
+    }
+    result.push_back(part.places.back());
+    return result;
 }

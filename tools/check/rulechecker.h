@@ -15,6 +15,11 @@
 
 class QSettings;
 
+/// The place of each UTF-16 unit of the text of @p part after QString::toUpper() and
+/// QString::simplified(), which is the form that expressions are compiled from, and of what follows
+/// it.
+std::vector<SourcePlace> placesInExpression(const RecordPart& part);
+
 /// All findings about a rule set, each one once, with its place in the rule files.
 ///
 /// They are: the library's findings about definitions, without those that only follow from others;

@@ -5,7 +5,7 @@
 #include "grammar/termvariable.h"
 #include "load/mainclass.h"
 #include "message/msgrule.h"
-#include "printedreports.h"
+#include "report/linereporter.h"
 #include "termtext.h"
 
 #include <QSet>
@@ -175,7 +175,7 @@ TermWarnings::Names TermWarnings::checkNames(const TermStd* term, bool onceEach)
     } else if (isField(term)) {
         names.first.insert(term->ExprRuleStr, term);
         TermStd* const field = static_cast<const TermVariable*>(term)->simpleTerm;
-        PrintedReports reports;
+        LineReporter reports;
         if (field->fieldKind(&reports) == FieldKind::BasicToLimit)
             names.takingAll = term;
     }

@@ -133,11 +133,6 @@ ExitCode print(const std::string& text)
 
 } // namespace
 
-void addFooter(CLI::App* command, const std::string& text)
-{
-    command->footer(text + '\n' + ExitCodeTable);
-}
-
 CLI::Option* addTextOption(CLI::App* command, const std::string& names, std::string* value,
                            const std::string& description)
 {
@@ -149,12 +144,14 @@ CLI::Option* addTextOption(CLI::App* command, const std::string& names, std::str
     return command->add_option(names, *value, description)->check(notEmpty);
 }
 
-void addSettingsOption(CLI::App* command, std::string* settings)
+void addCommonParts(CLI::App* command, const std::string& footer, std::string* settings)
 {
-    addTextOption(command, "--settings", settings,
-                  std::string("Settings file (ini) of the rule set; without it ") +
-                      BuiltInSettings + ", the one in the library")
-        ->type_name("FILE");
+    command->footer(footer + '\n' + ExitCodeTable);
+    if (settings)
+        addTextOption(command, "--settings", settings,
+                      std::string("Settings file (ini) of the rule set; without it ") +
+                          BuiltInSettings + ", the one in the library")
+            ->type_name("FILE");
 }
 
 void addFormatOption(CLI::App* command, bool* isJson)

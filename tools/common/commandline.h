@@ -11,15 +11,13 @@ class App;
 class Option;
 } // namespace CLI
 
-/// Ends the --help of @p command with @p text and the table of exit codes.
-void addFooter(CLI::App* command, const std::string& text);
+/// Ends the --help of @p command with @p footer and the table of exit codes. Unless @p settings is
+/// null, the command gets the option --settings.
+void addCommonParts(CLI::App* command, const std::string& footer, std::string* settings);
 
 /// Adds an option @p names whose argument, which may not be empty, goes to @p value.
 CLI::Option* addTextOption(CLI::App* command, const std::string& names, std::string* value,
                            const std::string& description);
-
-/// Adds the option --settings to @p command.
-void addSettingsOption(CLI::App* command, std::string* settings);
 
 /// Adds the option --format to @p command; @p isJson becomes true for "json".
 void addFormatOption(CLI::App* command, bool* isJson);

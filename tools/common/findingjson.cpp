@@ -5,41 +5,39 @@
 
 #include <QJsonDocument>
 
-QJsonObject findingJson(const FindingFacts& finding)
+QJsonObject findingJson(bool isWarning, const QString& text, const QString& detail)
 {
     QJsonObject object{{QStringLiteral("severity"),
-                        finding.isWarning ? QStringLiteral("warning") : QStringLiteral("error")},
-                       {QStringLiteral("text"), finding.text}};
-    if (!finding.detail.isEmpty())
-        object.insert(QStringLiteral("detail"), finding.detail);
-    if (!finding.name.isEmpty())
-        object.insert(QStringLiteral("name"), finding.name);
-    if (!finding.file.isEmpty()) {
-        object.insert(QStringLiteral("file"), finding.file);
-        object.insert(QStringLiteral("line"), finding.line);
-        object.insert(QStringLiteral("column"), finding.column);
-    } else if (finding.begin >= 0) {
-        object.insert(QStringLiteral("begin"), finding.begin);
-        object.insert(QStringLiteral("end"), finding.end);
-    }
+                        isWarning ? QStringLiteral("warning") : QStringLiteral("error")},
+                       {QStringLiteral("text"), text}};
+    if (!detail.isEmpty())
+        object.insert(QStringLiteral("detail"), detail);
     return object;
+}
+
+void insertRecord(const QString& name, const QString& file, int line, int column,
+                  QJsonObject* finding)
+{
+    if (!name.isEmpty())
+        finding->insert(QStringLiteral("name"), name);
+    finding->insert(QStringLiteral("file"), file);
+    finding->insert(QStringLiteral("line"), line);
+    finding->insert(QStringLiteral("column"), column);
 }
 
 QJsonObject findingJson(const adexp::Finding& finding)
 {
-    FindingFacts facts;
-    facts.isWarning = finding.severity() == adexp::Severity::Warning;
-    facts.text = unicode(finding.text());
-    facts.detail = unicode(finding.detail());
-    if (!finding.file().empty() && finding.place().line > 0) { // about a definition
-        facts.file = unicode(finding.file());
-        facts.name = unicode(finding.path());
+    const adexp::Place& place = finding.place();
+    QJsonObject object = findingJson(finding.severity() == adexp::Severity::Warning,
+                                     unicode(finding.text()), unicode(finding.detail()));
+    if (!finding.file().empty() && place.line > 0) {
+        insertRecord(unicode(finding.path()), unicode(finding.file()), place.line, place.column,
+                     &object);
+    } else if (place.begin >= 0) {
+        object.insert(QStringLiteral("begin"), place.begin);
+        object.insert(QStringLiteral("end"), place.end);
     }
-    facts.line = finding.place().line;
-    facts.column = finding.place().column;
-    facts.begin = finding.place().begin;
-    facts.end = finding.place().end;
-    return findingJson(facts);
+    return object;
 }
 
 QJsonObject errorJson(const std::string& file, const std::string& text)

@@ -8,25 +8,17 @@
 
 #include <string>
 
-/// What a finding has to be shown as JSON.
-struct FindingFacts
-{
-    bool isWarning = false;
-    QString text;
-    QString detail; ///< may be empty
-    QString name;   ///< in a rule set: the definition; may be empty
-    QString file;   ///< in a rule set: the file; empty in a message
-    int line = 0;   ///< in the file
-    int column = 0; ///< in the file
-    int begin = -1; ///< in a message; -1: no place
-    int end = -1;   ///< in a message
-};
-
 /// @p finding as JSON: "severity" ("error" or "warning"), "text", and what it has of "detail", of
 /// "file", "line", "column" and "name" (the definition; in a rule set), and of "begin" and "end"
 /// (in a message, positions in UTF-16 units).
-QJsonObject findingJson(const FindingFacts& finding);
 QJsonObject findingJson(const adexp::Finding& finding);
+
+/// What each finding has of it: @p detail may be empty.
+QJsonObject findingJson(bool isWarning, const QString& text, const QString& detail);
+
+/// Adds what a finding about a rule set has besides: @p name may be empty.
+void insertRecord(const QString& name, const QString& file, int line, int column,
+                  QJsonObject* finding);
 
 /// An error of the command itself as JSON: "file" (left out if @p file is empty), "severity" and
 /// "text".

@@ -173,15 +173,17 @@ ConversionThreads::Results ConversionThreads::convertSome(const std::vector<Mess
                                                           std::size_t begin,
                                                           MessageConverter* converter)
 {
+    const bool mayJoin = !m_options.summary && !m_options.nul;
     Results results;
     std::size_t bytes = 0;
     for (std::size_t i = begin; i < messages.size() && bytes < EnoughForNews; ++i) {
         ConversionResult result = convert(messages[i], converter);
         bytes += memoryOf(result);
-        if (results.empty() || !canJoin(result))
-            results.push_back(std::move(result));
-        else
+        if (mayJoin && !results.empty() && result.reports.empty() &&
+            result.document.size() < EnoughForNews)
             join(result, &results.back());
+        else
+            results.push_back(std::move(result));
     }
     return results;
 }
@@ -217,11 +219,4 @@ ConversionResult ConversionThreads::convert(const Message& message, MessageConve
     }
     const std::unique_lock alone(m_conversions);
     return converter->convertOrTell(message);
-}
-
-// May the result be written together with the one before it?
-bool ConversionThreads::canJoin(const ConversionResult& result) const
-{
-    const bool standsAlone = m_options.summary || m_options.nul;
-    return !standsAlone && result.reports.empty() && result.document.size() < EnoughForNews;
 }

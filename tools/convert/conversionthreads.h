@@ -74,7 +74,6 @@ private:
     Results convertSome(const std::vector<Message>& messages, std::size_t begin,
                         MessageConverter* converter);
     ConversionResult convert(const Message& message, MessageConverter* converter);
-    bool canJoin(const ConversionResult& result) const;
     bool isFirst(const Batch& batch) const { return &batch == &m_window.front(); }
 
     std::size_t m_most;

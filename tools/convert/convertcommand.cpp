@@ -132,8 +132,7 @@ void addConvertCommand(CLI::App* app, ExitCode* status)
 {
     CLI::App* const command = app->add_subcommand("convert", "Convert messages to XML documents");
     const auto options = std::make_shared<ConvertOptions>();
-    addFooter(command, ConvertFooter);
-    addSettingsOption(command, &options->settings);
+    addCommonParts(command, ConvertFooter, &options->settings);
     addInputOptions(command, options.get());
     addOutputOptions(command, options.get());
     command

@@ -50,8 +50,7 @@ void addDumpCommand(CLI::App* app, ExitCode* status)
 {
     CLI::App* const command = app->add_subcommand("dump", "Show how terms and rules were compiled");
     const auto options = std::make_shared<DumpOptions>();
-    addFooter(command, DumpFooter);
-    addSettingsOption(command, &options->settings);
+    addCommonParts(command, DumpFooter, &options->settings);
     command->add_option("NAME", options->name, "Term or title")->type_name("");
     command->final_callback([options, status] {
         *status = withRules(options->settings, false, [&](const adexp::RuleSet& rules) {

@@ -210,8 +210,7 @@ void addExplainCommand(CLI::App* app, ExitCode* status)
     CLI::App* const command =
         app->add_subcommand("explain", "Tell what a definition or message rule says");
     const auto options = std::make_shared<ExplainOptions>();
-    addFooter(command, ExplainFooter);
-    addSettingsOption(command, &options->settings);
+    addCommonParts(command, ExplainFooter, &options->settings);
     command->add_option("NAME", options->name, "Term or title")->type_name("");
     command->final_callback([options, status] {
         *status = withRules(options->settings, false, [&](const adexp::RuleSet& rules) {

@@ -186,8 +186,7 @@ void addMatchCommand(CLI::App* app, ExitCode* status)
     CLI::App* const command =
         app->add_subcommand("match", "Show how far a text matches a definition");
     const auto options = std::make_shared<MatchOptions>();
-    addFooter(command, MatchFooter);
-    addSettingsOption(command, &options->settings);
+    addCommonParts(command, MatchFooter, &options->settings);
     addFormatOption(command, &options->isJson);
     addTextOption(command, "--expr", &options->expression, "Expression to match with, not a NAME")
         ->type_name("EXPR");

@@ -2,7 +2,7 @@
 #define MATCHTRACE_H
 
 #include "grammar/match.h"
-#include "printedreports.h"
+#include "report/linereporter.h"
 
 #include <QString>
 #include <QStringList>
@@ -47,7 +47,7 @@ private:
     void stop(int pos, const QString& wanted);
     void stopAtTerm(const TermStd* term, int pos);
 
-    PrintedReports m_reporter;
+    LineReporter m_reporter;
     Match m_match;
     QString m_text;
     int m_matched = 0;

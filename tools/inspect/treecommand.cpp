@@ -85,8 +85,7 @@ void addTreeCommand(CLI::App* app, ExitCode* status)
 {
     CLI::App* const command = app->add_subcommand("tree", "Show the tree of fields of a message");
     const auto options = std::make_shared<TreeOptions>();
-    addFooter(command, TreeFooter);
-    addSettingsOption(command, &options->settings);
+    addCommonParts(command, TreeFooter, &options->settings);
     command->add_option("FILE", options->file, "Message")->type_name("")->required();
     command->final_callback([options, status] { *status = runTree(*options); });
 }

@@ -109,8 +109,7 @@ void addViewCommand(CLI::App* app, ExitCode* status)
     CLI::App* const command =
         app->add_subcommand("view", "Show a message and its findings as an HTML page");
     const auto options = std::make_shared<ViewOptions>();
-    addFooter(command, ViewFooter);
-    addSettingsOption(command, &options->settings);
+    addCommonParts(command, ViewFooter, &options->settings);
     addTextOption(command, "-o,--output", &options->output,
                   "Write the page to FILE. \"-\", and no -o, is standard output")
         ->type_name("FILE");
