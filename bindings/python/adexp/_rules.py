@@ -1,7 +1,7 @@
 """Rule sets."""
 import ctypes
 import os
-from typing import Iterable, List, Optional, Union
+from typing import Iterable, List, Union
 
 from ._errors import RuleSetError
 from ._library import DOCUMENT, FIELDS, FINDINGS, Handle, Options, Uncopied, load
