@@ -11,6 +11,7 @@
 
 #include <dlfcn.h>
 #include <malloc.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <cstring>
@@ -93,14 +94,18 @@ bool repeat(int rounds, const char* path)
 
 struct Memory
 {
-    long pages = 0;     // mapped
+    long pages = 0;     // mapped, without those of the heap
     long heapBytes = 0; // in use
 
     static Memory now()
     {
+        // How much of the heap the allocator gives back to the kernel depends on which block
+        // happens to lie at its end, and so even on the length of the library's path.
+        const struct mallinfo2 heap = mallinfo2();
         Memory memory;
         std::ifstream("/proc/self/statm") >> memory.pages;
-        memory.heapBytes = static_cast<long>(mallinfo2().uordblks);
+        memory.pages -= static_cast<long>(heap.arena + heap.hblkhd) / sysconf(_SC_PAGESIZE);
+        memory.heapBytes = static_cast<long>(heap.uordblks);
         return memory;
     }
 };
